@@ -1,0 +1,92 @@
+#include "alarms/AlarmTable.h"
+
+#include "settings/Settings.h"
+#include "settings/SettingsStore.h"
+
+#include <stdexcept>
+
+namespace {
+const QString Section = QStringLiteral("Alarms");
+}
+
+AlarmRecord& AlarmTable::At(int n)
+{
+    if (n < 1 || n > MaxAlarms)
+        throw std::out_of_range("alarm number out of range");
+    return m_slots[std::size_t(n - 1)];
+}
+
+const AlarmRecord& AlarmTable::At(int n) const
+{
+    return const_cast<AlarmTable*>(this)->At(n);
+}
+
+int AlarmTable::SetCount() const
+{
+    int count = 0;
+    for (int n = 1; n <= AlarmCount; ++n)
+        if (At(n).AlarmSet)
+            ++count;
+    return count;
+}
+
+QString AlarmKey(const char16_t* field, int n)
+{
+    return QString::fromUtf16(field) + u' ' + QString::number(n);
+}
+
+void AlarmTable::Load(const SettingsStore& store)
+{
+    const auto readInt = [&](const char16_t* field, int n) -> qint16 {
+        return ParseInt16(store.Read(Section, AlarmKey(field, n), QStringLiteral("0"))).value_or(0);
+    };
+    const auto readBool = [&](const char16_t* field, int n) -> bool {
+        return ParseBool(store.Read(Section, AlarmKey(field, n), QStringLiteral("False"))).value_or(false);
+    };
+    const auto readText = [&](const char16_t* field, int n) -> QString {
+        return store.Read(Section, AlarmKey(field, n), QString());
+    };
+
+    const qint16 count =
+        ParseInt16(store.Read(Section, QStringLiteral("Count"), QStringLiteral("0"))).value_or(0);
+    AlarmCount = qBound(0, int(count), MaxAlarms);
+    for (int n = 1; n <= MaxAlarms; ++n) {
+        AlarmRecord& a = At(n);
+        a = AlarmRecord{};
+        if (n > AlarmCount)
+            continue;
+        a.Message = readText(u"Message", n);
+        a.TypeTimer = readBool(u"TypeTimer", n);
+        a.Expire = readText(u"Expire", n);
+        a.Interval = readText(u"Interval", n);
+        a.Repeat = readInt(u"Repeat", n);
+        a.AlarmSet = readBool(u"AlarmSet", n);
+        a.AudioPath = readText(u"AudioPath", n);
+        a.Safety = readInt(u"Safety", n);
+        a.LastPosition = readText(u"LastPosition", n);
+    }
+}
+
+void AlarmTable::Save(SettingsStore& store) const
+{
+    store.Write(Section, QStringLiteral("Count"), QString::number(AlarmCount));
+    for (int n = 1; n <= AlarmCount; ++n) {
+        const AlarmRecord& a = At(n);
+        store.Write(Section, AlarmKey(u"Message", n), a.Message);
+        store.Write(Section, AlarmKey(u"TypeTimer", n), FormatBool(a.TypeTimer));
+        store.Write(Section, AlarmKey(u"Expire", n), a.Expire);
+        store.Write(Section, AlarmKey(u"Interval", n), a.Interval);
+        store.Write(Section, AlarmKey(u"Repeat", n), QString::number(a.Repeat));
+        store.Write(Section, AlarmKey(u"AlarmSet", n), FormatBool(a.AlarmSet));
+        store.Write(Section, AlarmKey(u"AudioPath", n), a.AudioPath);
+        store.Write(Section, AlarmKey(u"Safety", n), QString::number(a.Safety));
+        store.Write(Section, AlarmKey(u"LastPosition", n), a.LastPosition);
+    }
+}
+
+void AlarmTable::BlankUnsetExpiries()
+{
+    for (int n = 1; n <= AlarmCount; ++n)
+        if (!At(n).AlarmSet)
+            At(n).Expire = QStringLiteral(" ");
+}

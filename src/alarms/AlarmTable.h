@@ -1,0 +1,40 @@
+#pragma once
+
+#include "alarms/AlarmRecord.h"
+
+#include <array>
+
+class SettingsStore;
+
+inline constexpr int MaxAlarms = 30;
+
+// The thirty alarm slots. The alarms in use are always slots 1 to AlarmCount, without gaps.
+class AlarmTable
+{
+public:
+    // The alarm with number n (1 to 30). Any other number is a programming fault and
+    // throws std::out_of_range, which the calling handler traps.
+    AlarmRecord& At(int n);
+    const AlarmRecord& At(int n) const;
+
+    int AlarmCount = 0;
+    int SelectedAlarm = 0;
+
+    // How many of the alarms in use are set.
+    int SetCount() const;
+
+    // Reads "Count" and then alarms 1 to Count from section "Alarms"; a count above 30
+    // stops at 30, and values that do not parse take the defaults.
+    void Load(const SettingsStore& store);
+    // Writes "Count" and the nine keys of each alarm in use; keys of higher numbers stay.
+    void Save(SettingsStore& store) const;
+
+    // The record part of rebuilding the list: an unset alarm's expiry becomes one blank.
+    void BlankUnsetExpiries();
+
+private:
+    std::array<AlarmRecord, MaxAlarms> m_slots;
+};
+
+// The store key of field `field` of alarm n: the field name, one blank, the number ("Safety 1").
+QString AlarmKey(const char16_t* field, int n);

@@ -1,0 +1,67 @@
+#include "Version.h"
+#include "clock/Clock.h"
+#include "logbook/LogFolder.h"
+#include "platform/ShutdownSignals.h"
+#include "settings/SettingsStore.h"
+#include "shell/frmMain.h"
+#include "shell/frmSplash.h"
+#include "widgets/Icons.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QSessionManager>
+#include <QStandardPaths>
+
+#include <memory>
+
+namespace {
+
+// Where the program's own files (the default alarm sound) are: beside the program in a
+// build tree or portable install, or in the installed data folder.
+QStringList DataFolders()
+{
+    const QString programFolder = QCoreApplication::applicationDirPath();
+    return {programFolder, QDir(programFolder).filePath(QStringLiteral("../share/tarrowind"))};
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Tarrowind"));
+    QApplication::setApplicationVersion(QStringLiteral(TW_VERSION_TEXT));
+    QApplication::setDesktopFileName(QStringLiteral("tarrowind"));
+    QApplication::setWindowIcon(AppIcon());
+
+    SystemClock clock;
+    SettingsStore store;
+    const QString logFolder =
+        ChooseLogFolder(QCoreApplication::applicationDirPath(),
+                        QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
+    const MainServices services{clock, store, logFolder, QLocale(), DataFolders()};
+
+    std::unique_ptr<frmMain> mainWindow;
+    const auto endProgram = [&] {
+        if (mainWindow)
+            mainWindow->EndSession();
+        QCoreApplication::quit();
+    };
+    const auto signals_ = ShutdownSignals::Create();
+    QObject::connect(signals_.get(), &ShutdownSignals::Requested, &app, endProgram);
+    QObject::connect(&app, &QGuiApplication::commitDataRequest, &app,
+                     [&](QSessionManager&) { endProgram(); });
+
+    frmSplash splash;
+    QObject::connect(&splash, &frmSplash::Finished, &app, [&] {
+        mainWindow = std::make_unique<frmMain>(services);
+        if (!mainWindow->Load()) {
+            QApplication::setQuitOnLastWindowClosed(false);
+            QCoreApplication::exit(1);
+            return;
+        }
+        mainWindow->show();
+    });
+    splash.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QDateTime>
+
+// The one source of "now" for the whole program. The program uses SystemClock;
+// tests hand in a clock they set and advance themselves.
+class Clock
+{
+public:
+    virtual ~Clock() = default;
+    virtual QDateTime Now() const = 0;
+    QDate Today() const { return Now().date(); }
+};
+
+class SystemClock final : public Clock
+{
+public:
+    QDateTime Now() const override { return QDateTime::currentDateTime(); }
+};

@@ -1,0 +1,154 @@
+#include "logbook/LogBook.h"
+
+#include "clock/Clock.h"
+#include "platform/FileSync.h"
+#include "shell/ErrorText.h"
+
+#include <QDir>
+#include <QRegularExpression>
+
+QString LogDateFormat(const QLocale& locale)
+{
+    QString format = locale.dateFormat(QLocale::ShortFormat);
+    if (!format.contains(QStringLiteral("yyyy")))
+        format.replace(QStringLiteral("yy"), QStringLiteral("yyyy"));
+    return format;
+}
+
+QString FormatLogDate(QDate date, const QLocale& locale)
+{
+    return locale.toString(date, LogDateFormat(locale));
+}
+
+std::optional<QDate> ParseLogDate(const QString& text, const QLocale& locale)
+{
+    const QDate date = locale.toDate(text.trimmed(), LogDateFormat(locale));
+    if (!date.isValid())
+        return std::nullopt;
+    return date;
+}
+
+std::optional<QDate> ParseNumericDate(const QString& text, const QLocale& locale)
+{
+    static const QRegularExpression numbers(QStringLiteral("^\\s*(\\d{1,4})\\D(\\d{1,4})\\D(\\d{1,4})\\s*$"));
+    const auto match = numbers.match(text);
+    if (!match.hasMatch())
+        return std::nullopt;
+    const QString format = locale.dateFormat(QLocale::ShortFormat);
+    const qsizetype dayAt = format.indexOf(u'd');
+    const qsizetype monthAt = format.indexOf(u'M');
+    const qsizetype yearAt = format.indexOf(u'y');
+    if (dayAt < 0 || monthAt < 0 || yearAt < 0)
+        return std::nullopt;
+    // Rank each part by where the format names it: 0 first, 1 second, 2 third.
+    const auto rank = [&](qsizetype at) { return int(at > dayAt) + int(at > monthAt) + int(at > yearAt); };
+    const int day = match.captured(1 + rank(dayAt)).toInt();
+    const int month = match.captured(1 + rank(monthAt)).toInt();
+    const int year = match.captured(1 + rank(yearAt)).toInt();
+    const QDate date(year, month, day);
+    if (!date.isValid())
+        return std::nullopt;
+    return date;
+}
+
+QString LogFileName(QDate day)
+{
+    return day.toString(QStringLiteral("yyyyMMdd")) + QStringLiteral(".log");
+}
+
+bool ShouldLog(qint16 safety, const LogSwitches& switches)
+{
+    if (!switches.LogOn)
+        return false;
+    if (safety == 0 && switches.SafetyOnly)
+        return false;
+    return true;
+}
+
+QByteArray FormatLogLine(const LogEntry& e, const QLocale& locale)
+{
+    const auto quoted = [](const QString& text) { return u'"' + text + u'"'; };
+    const QString line = quoted(FormatLogDate(e.LogDate, locale)) + u',' + quoted(e.LogTime) + u',' +
+                         quoted(e.LogCode) + u',' + QString::number(e.LogSafety) + u',' + quoted(e.LogText1) +
+                         u',' + quoted(e.LogText2) + u',' + quoted(e.LogText3) + QStringLiteral("\r\n");
+    return line.toUtf8();
+}
+
+LogBook::LogBook(QString folder, const Clock& clock, QLocale locale)
+    : m_folder(std::move(folder)), m_clock(clock), m_locale(std::move(locale))
+{}
+
+LogBook::~LogBook()
+{
+    CloseTodaysLog();
+}
+
+QString LogBook::PathOf(QDate day) const
+{
+    return QDir(m_folder).filePath(LogFileName(day));
+}
+
+std::optional<QString> LogBook::OpenTodaysLog()
+{
+    CloseTodaysLog();
+    const QDate today = m_clock.Today();
+    QDir().mkpath(m_folder);
+    m_today.setFileName(PathOf(today));
+    if (!m_today.open(QIODevice::WriteOnly | QIODevice::Append)) {
+        const QString message = ErrorText(QStringLiteral("Error opening today's logbook"),
+                                          int(m_today.error()), m_today.errorString());
+        return message;
+    }
+    m_openDay = today;
+    return std::nullopt;
+}
+
+void LogBook::CloseTodaysLog()
+{
+    if (m_today.isOpen())
+        m_today.close();
+    m_openDay = QDate();
+}
+
+bool LogBook::IsTodaysLogOpen() const
+{
+    return m_today.isOpen();
+}
+
+std::optional<QString> LogBook::WriteLogEntry(const QString& code, qint16 safety, const QString& text1,
+                                              const QString& text2, const QString& text3, const QString& time,
+                                              const LogSwitches& switches)
+{
+    if (!ShouldLog(safety, switches))
+        return std::nullopt;
+    const QString fixedText = QStringLiteral("Error writing to the logbook");
+    if (!m_today.isOpen())
+        return ErrorText(fixedText, int(QFileDevice::WriteError),
+                         QStringLiteral("The logbook file is not open"));
+
+    const LogEntry entry{m_clock.Today(), time, code, safety, text1, text2, text3};
+    const QByteArray line = FormatLogLine(entry, m_locale);
+    if (m_today.write(line) != line.size() || !SyncFileToDisk(m_today)) {
+        const QString message = ErrorText(fixedText, int(m_today.error()), m_today.errorString());
+        m_today.unsetError();
+        return message;
+    }
+    return std::nullopt;
+}
+
+QList<QDate> LogBook::AvailableLogDates() const
+{
+    static const QRegularExpression name(QStringLiteral("^(\\d{4})(\\d{2})(\\d{2})\\.log$"),
+                                         QRegularExpression::CaseInsensitiveOption);
+    QList<QDate> days;
+    const QStringList files = QDir(m_folder).entryList({QStringLiteral("*.log")}, QDir::Files);
+    for (const QString& file : files) {
+        const auto match = name.match(file);
+        if (!match.hasMatch())
+            continue;
+        const QString text = match.captured(2) + u'/' + match.captured(3) + u'/' + match.captured(1);
+        if (const auto day = ParseNumericDate(text, m_locale))
+            days.append(*day);
+    }
+    return days;
+}

@@ -1,0 +1,270 @@
+// The main window's layout, faces, title, status bar and panels.
+#include "shell/frmMain.h"
+
+#include "alarms/AlarmPanel.h"
+#include "calc/CalcPanel.h"
+#include "clock/Clock.h"
+#include "logbook/LogPanel.h"
+#include "props/frmClockProps.h"
+#include "shell/ClockPanel.h"
+#include "widgets/Icons.h"
+#include "widgets/KeyedStatusBar.h"
+#include "widgets/TopMost.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <exception>
+
+frmMain::frmMain(const MainServices& services, QWidget* parent)
+    : QWidget(parent), m_clock(services.clock), m_store(services.store), m_locale(services.locale),
+      m_soundFolders(services.soundFolders),
+      m_log(std::make_unique<LogBook>(services.logFolder, services.clock, services.locale))
+{
+    setObjectName(QStringLiteral("frmMain"));
+    setWindowIcon(AppIcon());
+    BuildLayout();
+
+    m_tmrMain.setObjectName(QStringLiteral("tmrMain"));
+    m_tmrMain.setSingleShot(true);
+    m_tmrMain.setTimerType(Qt::PreciseTimer);
+    connect(&m_tmrMain, &QTimer::timeout, this, [this] {
+        tmrMain_Timer();
+        ArmTick();
+    });
+}
+
+frmMain::~frmMain() = default;
+
+void frmMain::BuildLayout()
+{
+    m_picMain = new ClockPanel(this);
+    m_picCalc = new CalcPanel(this);
+    m_picAlarm = new AlarmPanel(this);
+    m_picLog = new LogPanel(this);
+    m_stsBar = new KeyedStatusBar(this);
+    m_stsBar->setObjectName(QStringLiteral("stsBar"));
+    m_stsBar->AddPanel(QStringLiteral("Calc"), QStringLiteral("Calc"), QStringLiteral("Calculate Times"));
+    m_stsBar->AddPanel(QStringLiteral("Alarm"), QStringLiteral("Alarm"), QStringLiteral("Alarm Set"));
+    m_stsBar->AddPanel(QStringLiteral("Props"), QStringLiteral("Props"),
+                       QStringLiteral("Set Clock Properties"));
+    m_stsBar->AddPanel(QStringLiteral("Log"), QStringLiteral("Log"), QStringLiteral("Logbook"));
+    m_stsBar->AddPanel(QStringLiteral("Status"), QString(), QString(), true);
+    m_stsBar->AddPanel(QStringLiteral("Exit"), QStringLiteral("Exit"), QStringLiteral("Exit"));
+
+    // The window is as tall as the clock panel, the open panel and the status bar: the
+    // panel appears where the status bar was, and the status bar keeps to the bottom edge.
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    for (QWidget* w : {static_cast<QWidget*>(m_picMain), static_cast<QWidget*>(m_picCalc),
+                       static_cast<QWidget*>(m_picAlarm), static_cast<QWidget*>(m_picLog),
+                       static_cast<QWidget*>(m_stsBar)})
+        layout->addWidget(w);
+
+    connect(m_stsBar, &KeyedStatusBar::PanelClick, this, &frmMain::stsBar_PanelClick);
+    connect(m_picMain->OnTopImage(), &QToolButton::clicked, this, &frmMain::imgOnTop_Click);
+    connect(m_picMain->NotTopImage(), &QToolButton::clicked, this, &frmMain::imgNotTop_Click);
+    connect(m_picCalc->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picCalc); });
+    connect(m_picAlarm->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picAlarm); });
+    connect(m_picLog->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picLog); });
+    connect(m_picLog, &LogPanel::LogCheckClicked, this, [this] {
+        ShowStatus();
+        m_picLog->EnableChoicesFromLogCheck();
+    });
+}
+
+frmClockProps& frmMain::ClockProps()
+{
+    if (!m_clockProps)
+        m_clockProps = std::make_unique<frmClockProps>(this);
+    return *m_clockProps;
+}
+
+QString frmMain::FormatDateLong(QDate date) const
+{
+    return m_locale.toString(date, QLocale::LongFormat);
+}
+
+QString frmMain::InternetNow() const
+{
+    return ::InternetNow(m_clock, m_settings.InetMinOffset);
+}
+
+void frmMain::FillZoneLists()
+{
+    QComboBox* zones = ClockProps().TimeZoneList();
+    zones->clear();
+    if (zones->count() > 0)
+        return;
+    for (int i = 0; i < ZoneCount; ++i)
+        zones->addItem(ZoneLongName(i), Zones.at(std::size_t(i)).Offset);
+    zones->setCurrentIndex(m_settings.Zone >= 0 && m_settings.Zone < ZoneCount ? m_settings.Zone : -1);
+
+    // The calculator's list is filled once per run and starts on UTC.
+    QComboBox* calcZones = m_picCalc->ZoneList();
+    if (calcZones->count() > 0)
+        return;
+    for (int i = 0; i < ZoneCount; ++i)
+        calcZones->addItem(ZoneTag(i), Zones.at(std::size_t(i)).Offset);
+    calcZones->setCurrentIndex(calcZones->count() - 1);
+}
+
+void frmMain::SetTimes()
+{
+    try {
+        FillZoneLists();
+        QFont secondsFont = m_picMain->Seconds()->font();
+        secondsFont.setFamily(m_clockFont.family());
+        secondsFont.setPointSizeF(m_clockFont.pointSizeF() * 0.9);
+        for (int i = 0; i < ZoneCount; ++i) {
+            m_picMain->Face(i)->setFont(m_clockFont);
+            m_picMain->SetFaceColours(i, m_foreColour, m_settings.BackColor);
+        }
+        m_picMain->Seconds()->setFont(secondsFont);
+        m_picMain->SetLocalZone(m_settings.Zone);
+
+        // The offsets are the item data of the properties dialog's zone list.
+        QComboBox* zones = ClockProps().TimeZoneList();
+        std::array<int, ZoneCount> offsets{};
+        for (int i = 0; i < ZoneCount && i < zones->count(); ++i)
+            offsets[std::size_t(i)] = zones->itemData(i).toInt();
+        const QTime now = QTime::fromString(InternetNow(), QStringLiteral("HH:mm"));
+        for (int i = 0; i < ZoneCount; ++i) {
+            const auto text = ZoneFaceTime(now, i, m_settings.Zone, offsets, m_settings.DayLight != 0);
+            if (!text)
+                return; // a zone outside the table: the faces keep their text until next minute
+            m_picMain->Face(i)->setText(*text);
+        }
+        ShowSyncColours();
+    } catch (const std::exception&) {
+        // The faces keep their previous text until the next minute.
+    }
+}
+
+void frmMain::ShowSyncColours()
+{
+    const auto colour =
+        UtcFaceRuleColour(m_settings.UTCRule != 0, m_settings.AutoSync != 0, m_picMain->SyncButtonBack(),
+                          m_picMain->FaceBack(1), m_picMain->FaceBack(UtcZone));
+    if (colour)
+        m_picMain->SetFaceColours(UtcZone, *colour, m_picMain->FaceBack(UtcZone));
+}
+
+void frmMain::SyncCheck(int mode)
+{
+    // Mode 0 refreshes the sync button. Modes 1 (start a run when one is due) and 2 (start
+    // one now) need the Internet time sync, which this build does not have yet.
+    if (mode != 0)
+        return;
+    m_picMain->SetSyncButtonColour(SyncButtonColour(m_synchronised));
+    m_picMain->SyncButton()->setToolTip(NextSyncToolTip(m_settings.LastSync, m_settings.AutoSyncHrs));
+    ShowSyncColours();
+}
+
+void frmMain::ShowTitle()
+{
+    const QString date = m_locale.toString(m_clock.Today(), QStringLiteral("dddd MMMM dd,yyyy "));
+    const QString marker =
+        m_settings.DayLight == 1 ? QStringLiteral("[Daylight Time]") : QStringLiteral("[Standard Time]");
+    setWindowTitle(QStringLiteral("Tarrowind --") + date + marker);
+}
+
+void frmMain::ShowStatus()
+{
+    const QString text =
+        QString::number(m_alarms.AlarmCount) + QStringLiteral(" alarms, ") +
+        QString::number(m_alarms.SetCount()) +
+        (m_picLog->LogCheck()->isChecked() ? QStringLiteral(" set, Logging On")
+                                           : QStringLiteral(" set, Logging Off")) +
+        (m_settings.AutoSync != 0 ? QStringLiteral(", Internet Clock") : QStringLiteral(", System Clock"));
+    m_stsBar->SetPanelText(QStringLiteral("Status"), text);
+}
+
+void frmMain::ShowSunLine()
+{
+    // Sunrise and sunset need valid coordinates; a latitude of 0 degrees counts as none.
+    m_picCalc->SetSunLine(QStringLiteral("Sunrise/Sunset\r(no coordinates)"));
+}
+
+void frmMain::OpenPanel(QWidget* panel)
+{
+    CloseOpenPanel();
+    panel->setVisible(true);
+    m_openPanel = panel;
+}
+
+void frmMain::ClosePanel(QWidget* panel)
+{
+    panel->setVisible(false);
+    if (m_openPanel == panel)
+        m_openPanel = nullptr;
+}
+
+void frmMain::CloseOpenPanel()
+{
+    if (m_openPanel)
+        ClosePanel(m_openPanel);
+}
+
+void frmMain::stsBar_PanelClick(const QString& key)
+{
+    try {
+        if (key == u"Calc") {
+            if (m_openPanel == m_picCalc) {
+                ClosePanel(m_picCalc);
+                return;
+            }
+            OpenPanel(m_picCalc);
+            ShowSunLine();
+        } else if (key == u"Alarm") {
+            if (m_openPanel == m_picAlarm) {
+                ClosePanel(m_picAlarm);
+                return;
+            }
+            OpenPanel(m_picAlarm);
+        } else if (key == u"Log") {
+            if (m_openPanel == m_picLog) {
+                ClosePanel(m_picLog);
+                return;
+            }
+            OpenPanel(m_picLog);
+            m_picLog->EnableChoicesFromLogCheck();
+        } else if (key == u"Props") {
+            frmClockProps& props = ClockProps();
+            props.FillOwnZoneList(m_settings.Zone);
+            SetTopMost(&props, true);
+            props.exec();
+            ShowStatus();
+        } else if (key == u"Exit") {
+            close();
+            SaveAlarms();
+        }
+    } catch (const std::exception&) {
+        // A failing click ends quietly.
+    }
+}
+
+void frmMain::imgOnTop_Click()
+{
+    SetTopMost(this, true);
+    m_picMain->OnTopImage()->setVisible(false);
+    m_picMain->OnTopImage()->setEnabled(false);
+    m_picMain->NotTopImage()->setVisible(true);
+    m_picMain->NotTopImage()->setEnabled(true);
+}
+
+void frmMain::imgNotTop_Click()
+{
+    SetTopMost(this, false);
+    m_picMain->NotTopImage()->setVisible(false);
+    m_picMain->NotTopImage()->setEnabled(false);
+    m_picMain->OnTopImage()->setVisible(true);
+    m_picMain->OnTopImage()->setEnabled(true);
+}

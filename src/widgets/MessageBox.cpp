@@ -1,0 +1,148 @@
+#include "widgets/MessageBox.h"
+
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+
+namespace {
+
+struct TestState
+{
+    bool On = false;
+    QList<MessageBox::Answer> Answers;
+    QList<MessageBox::Request> Shown;
+};
+
+TestState& Test()
+{
+    static TestState state;
+    return state;
+}
+
+QList<QPointer<QMessageBox>>& OpenBoxes()
+{
+    static QList<QPointer<QMessageBox>> boxes;
+    return boxes;
+}
+
+MessageBox::Answer DefaultAnswer(const MessageBox::Request& r)
+{
+    switch (r.ButtonSet) {
+    case MessageBox::Buttons::OkOnly:
+        return MessageBox::Answer::Ok;
+    case MessageBox::Buttons::OkCancel:
+        return r.DefaultSecond ? MessageBox::Answer::Cancel : MessageBox::Answer::Ok;
+    case MessageBox::Buttons::YesNo:
+        return r.DefaultSecond ? MessageBox::Answer::No : MessageBox::Answer::Yes;
+    }
+    return MessageBox::Answer::Ok;
+}
+
+QMessageBox::Icon ToQt(MessageBox::Icon icon)
+{
+    switch (icon) {
+    case MessageBox::Icon::None:
+        return QMessageBox::NoIcon;
+    case MessageBox::Icon::Critical:
+        return QMessageBox::Critical;
+    case MessageBox::Icon::Question:
+        return QMessageBox::Question;
+    case MessageBox::Icon::Exclamation:
+        return QMessageBox::Warning;
+    case MessageBox::Icon::Information:
+        return QMessageBox::Information;
+    }
+    return QMessageBox::NoIcon;
+}
+
+} // namespace
+
+QString MessageBox::Title()
+{
+    return QStringLiteral("Tarrowind");
+}
+
+MessageBox::Answer MessageBox::Show(QWidget* parent, const Request& request)
+{
+    if (Test().On) {
+        Test().Shown.append(request);
+        if (!Test().Answers.isEmpty())
+            return Test().Answers.takeFirst();
+        return DefaultAnswer(request);
+    }
+
+    QMessageBox box(ToQt(request.IconKind), request.Title.isEmpty() ? Title() : request.Title,
+                    QString(request.Text).replace(u'\r', u'\n'), QMessageBox::NoButton, parent);
+    box.setObjectName(QStringLiteral("MessageBox"));
+    QPushButton* first = nullptr;
+    QPushButton* second = nullptr;
+    switch (request.ButtonSet) {
+    case Buttons::OkOnly:
+        first = box.addButton(QMessageBox::Ok);
+        break;
+    case Buttons::OkCancel:
+        first = box.addButton(QMessageBox::Ok);
+        second = box.addButton(QMessageBox::Cancel);
+        break;
+    case Buttons::YesNo:
+        first = box.addButton(QMessageBox::Yes);
+        second = box.addButton(QMessageBox::No);
+        break;
+    }
+    box.setDefaultButton(request.DefaultSecond && second ? second : first);
+    box.setEscapeButton(second ? second : first);
+    OpenBoxes().append(&box);
+    box.exec();
+    OpenBoxes().removeAll(&box);
+
+    const bool firstChosen = box.clickedButton() == first;
+    switch (request.ButtonSet) {
+    case Buttons::OkOnly:
+        return Answer::Ok;
+    case Buttons::OkCancel:
+        return firstChosen ? Answer::Ok : Answer::Cancel;
+    case Buttons::YesNo:
+        return firstChosen ? Answer::Yes : Answer::No;
+    }
+    return Answer::Ok;
+}
+
+void MessageBox::Notice(QWidget* parent, const QString& text)
+{
+    Show(parent, {text, Title(), Buttons::OkOnly, Icon::None, false});
+}
+
+MessageBox::Answer MessageBox::AskYesNo(QWidget* parent, const QString& text, const QString& title)
+{
+    return Show(parent, {text, title, Buttons::YesNo, Icon::Exclamation, true});
+}
+
+void MessageBox::DismissOpen()
+{
+    const auto boxes = OpenBoxes();
+    for (const auto& box : boxes)
+        if (box)
+            box->reject();
+}
+
+void MessageBox::SetTestMode(bool on)
+{
+    Test().On = on;
+    Test().Answers.clear();
+    Test().Shown.clear();
+}
+
+void MessageBox::SetNextAnswer(Answer answer)
+{
+    Test().Answers.append(answer);
+}
+
+QList<MessageBox::Request> MessageBox::Shown()
+{
+    return Test().Shown;
+}
+
+void MessageBox::ClearShown()
+{
+    Test().Shown.clear();
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+class QWidget;
+
+// The one helper for the program's message boxes and questions.
+//
+// Texts are composed with "\r" between lines and shown with a line break for each. A test
+// turns on test mode: nothing is then shown, every request is recorded, and each question
+// takes the next answer given in advance (or its default button when none is queued), so
+// that window tests never block on a dialog.
+class MessageBox
+{
+public:
+    enum class Buttons
+    {
+        OkOnly,
+        OkCancel,
+        YesNo,
+    };
+    enum class Icon
+    {
+        None,
+        Critical,
+        Question,
+        Exclamation,
+        Information,
+    };
+    enum class Answer
+    {
+        Ok,
+        Cancel,
+        Yes,
+        No,
+    };
+
+    struct Request
+    {
+        QString Text;
+        QString Title;
+        MessageBox::Buttons ButtonSet = MessageBox::Buttons::OkOnly;
+        MessageBox::Icon IconKind = MessageBox::Icon::None;
+        bool DefaultSecond = false; // the second button (No, Cancel) is the default
+    };
+
+    static Answer Show(QWidget* parent, const Request& request);
+
+    // An OK-only message with the program's title.
+    static void Notice(QWidget* parent, const QString& text);
+    // Yes/No, exclamation icon, No the default.
+    static Answer AskYesNo(QWidget* parent, const QString& text, const QString& title);
+
+    // Closes any message box that is open (the program is being ended).
+    static void DismissOpen();
+
+    // Test hooks.
+    static void SetTestMode(bool on);
+    static void SetNextAnswer(Answer answer);
+    static QList<Request> Shown();
+    static void ClearShown();
+
+    static QString Title();
+};

@@ -67,7 +67,7 @@ bool ShouldLog(qint16 safety, const LogSwitches& switches)
 
 QByteArray FormatLogLine(const LogEntry& e, const QLocale& locale)
 {
-    const auto quoted = [](const QString& text) { return u'"' + text + u'"'; };
+    const auto quoted = [](const QString& text) -> QString { return u'"' + text + u'"'; };
     const QString line = quoted(FormatLogDate(e.LogDate, locale)) + u',' + quoted(e.LogTime) + u',' +
                          quoted(e.LogCode) + u',' + QString::number(e.LogSafety) + u',' + quoted(e.LogText1) +
                          u',' + quoted(e.LogText2) + u',' + quoted(e.LogText3) + QStringLiteral("\r\n");

@@ -143,5 +143,5 @@ private:
     KeyedStatusBar* m_stsBar = nullptr;
     QWidget* m_openPanel = nullptr;
     std::unique_ptr<frmClockProps> m_clockProps;
-    QTimer m_tmrMain;
+    QTimer m_tmrMain{this};
 };

@@ -29,6 +29,6 @@ private:
 
     QLabel* m_lblProductName;
     QLabel* m_lblRev;
-    QTimer m_tmrSplash;
+    QTimer m_tmrSplash{this};
     bool m_finished = false;
 };

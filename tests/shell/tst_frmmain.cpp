@@ -1,0 +1,689 @@
+#include "ManualClock.h"
+#include "TestEnvironment.h"
+#include "settings/SettingsStore.h"
+#include "shell/frmMain.h"
+#include "widgets/MessageBox.h"
+#include "widgets/TopMost.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSettings>
+#include <QToolButton>
+#include <QtTest>
+
+namespace {
+
+const QLocale EnUs(QLocale::English, QLocale::UnitedStates);
+const QDate Monday(2026, 11, 16);
+
+// A main window over a fresh folder, a hand-set clock and a prepared settings file.
+struct Desk
+{
+    explicit Desk(const QByteArray& ini = {}, bool withSound = true)
+        : clock(QDateTime(Monday, QTime(10, 0, 17, 250)))
+    {
+        if (!ini.isEmpty())
+            TestEnvironment::WriteFile(env.SettingsFile(), ini);
+        if (withSound)
+            TestEnvironment::WriteFile(QDir(env.ProgramFolder()).filePath(QStringLiteral("DefaultAlarm.Wav")),
+                                       "RIFF");
+        store = std::make_unique<SettingsStore>(env.SettingsFile());
+        window = std::make_unique<frmMain>(
+            MainServices{clock, *store, env.LogFolder(), EnUs, QStringList{env.ProgramFolder()}});
+    }
+
+    template <typename T>
+    T* Find(const QString& name) const
+    {
+        T* child = window->findChild<T*>(name);
+        if (!child)
+            qWarning("no child named %s", qPrintable(name));
+        return child;
+    }
+    QString FaceText(int i) const { return Find<QLabel>(QStringLiteral("lblClock1_%1").arg(i))->text(); }
+    QColor FaceFore(int i) const
+    {
+        return Find<QLabel>(QStringLiteral("lblClock1_%1").arg(i))->palette().color(QPalette::WindowText);
+    }
+    QString Status() const { return Find<QLabel>(QStringLiteral("Status"))->text(); }
+    QByteArray TodaysLog() const { return TestEnvironment::ReadFile(LogPath(clock.Today())); }
+    QString LogPath(QDate day) const
+    {
+        return QDir(env.LogFolder())
+            .filePath(day.toString(QStringLiteral("yyyyMMdd")) + QStringLiteral(".log"));
+    }
+    QString Stored(const QString& key) const
+    {
+        return QSettings(env.SettingsFile(), QSettings::IniFormat).value(key).toString();
+    }
+    void ClickPanel(const QString& key) { QTest::mouseClick(Find<QLabel>(key), Qt::LeftButton); }
+    void Tick(QTime time)
+    {
+        clock.Set(clock.Today(), time);
+        window->tmrMain_Timer();
+    }
+
+    TestEnvironment env;
+    ManualClock clock;
+    std::unique_ptr<SettingsStore> store;
+    std::unique_ptr<frmMain> window;
+};
+
+const QByteArray LogAllEvents = "[General]\nLogOn=1\nLogSafetyOnly=False\n";
+const QByteArray TwoAlarmsOneSet =
+    "[General]\nLogOn=1\nLogSafetyOnly=False\n"
+    "[Alarms]\nCount=2\nMessage%201=Crew 7\nExpire%201=11:30\nAlarmSet%201=True\n"
+    "Safety%201=1\nMessage%202=Tea\nExpire%202=00:00\nAlarmSet%202=False\n";
+
+} // namespace
+
+class TestFrmMain : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init() { MessageBox::SetTestMode(true); }
+    void cleanup() { MessageBox::SetTestMode(false); }
+
+    void firstRunShowsDefaultFacesAndLeavesEveryKeyAtItsDefault()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        QVERIFY(MessageBox::Shown().isEmpty());
+        const QFont font = desk.Find<QLabel>(QStringLiteral("lblClock1_1"))->font();
+        QCOMPARE(font.family(), QStringLiteral("Arial"));
+        QCOMPARE(font.pointSizeF(), 16.0);
+        QVERIFY(font.bold());
+        QVERIFY(!font.italic());
+        QCOMPARE(desk.FaceFore(1), QColor(255, 255, 0)); // yellow
+        QCOMPARE(desk.Find<QLabel>(QStringLiteral("lblClock1_1"))->palette().color(QPalette::Window),
+                 QColor(1, 0, 0)); // practically black
+        QCOMPARE(desk.Find<QLineEdit>(QStringLiteral("txtSeconds"))->font().pointSizeF(), 16.0 * 0.9);
+        QCOMPARE(desk.FaceText(1), QStringLiteral("10:00")); // Pacific is the local zone
+        QCOMPARE(desk.FaceText(4), QStringLiteral("13:00"));
+        QCOMPARE(desk.window->windowTitle(),
+                 QStringLiteral("Tarrowind --Monday November 16,2026 [Standard Time]"));
+        QCOMPARE(desk.Status(), QStringLiteral("0 alarms, 0 set, Logging Off, System Clock"));
+        QVERIFY(!desk.Find<QCheckBox>(QStringLiteral("chkLog"))->isChecked());
+        QVERIFY(desk.Find<QRadioButton>(QStringLiteral("optSafetyOnly"))->isChecked());
+
+        desk.window->close();
+        QVERIFY(desk.window->IsStopped());
+        QSettings ini(desk.env.SettingsFile(), QSettings::IniFormat);
+        const QStringList expected{QStringLiteral("Font/ForeColor"),
+                                   QStringLiteral("Font/BackColor"),
+                                   QStringLiteral("Font/Name"),
+                                   QStringLiteral("Font/Bold"),
+                                   QStringLiteral("Font/Size"),
+                                   QStringLiteral("Font/Italic"),
+                                   QStringLiteral("Sound"),
+                                   QStringLiteral("StartWithWindows"),
+                                   QStringLiteral("Zone"),
+                                   QStringLiteral("Audible"),
+                                   QStringLiteral("AutoSync"),
+                                   QStringLiteral("AutoSyncHrs"),
+                                   QStringLiteral("SyncSite"),
+                                   QStringLiteral("LastSync"),
+                                   QStringLiteral("InetMinOffset"),
+                                   QStringLiteral("DayLight"),
+                                   QStringLiteral("Sun/LatDeg"),
+                                   QStringLiteral("Sun/LatMin"),
+                                   QStringLiteral("Sun/LongDeg"),
+                                   QStringLiteral("Sun/LongMin"),
+                                   QStringLiteral("DefaultInterval"),
+                                   QStringLiteral("LogOn"),
+                                   QStringLiteral("LogSafetyOnly"),
+                                   QStringLiteral("Connection"),
+                                   QStringLiteral("UTCRule"),
+                                   QStringLiteral("Alarms/Count")};
+        for (const QString& key : expected)
+            QVERIFY2(ini.contains(key), qPrintable(key));
+        QCOMPARE(ini.value(QStringLiteral("Font/ForeColor")).toString(), QStringLiteral("65535"));
+        QCOMPARE(ini.value(QStringLiteral("Font/BackColor")).toString(), QStringLiteral("1"));
+        QCOMPARE(ini.value(QStringLiteral("Audible")).toString(), QStringLiteral("1"));
+        QCOMPARE(ini.value(QStringLiteral("Zone")).toString(), QStringLiteral("1"));
+        QCOMPARE(ini.value(QStringLiteral("UTCRule")).toString(), QStringLiteral("1"));
+        QCOMPARE(ini.value(QStringLiteral("AutoSyncHrs")).toString(), QStringLiteral("24"));
+        QCOMPARE(ini.value(QStringLiteral("DefaultInterval")).toString(), QStringLiteral("00:15"));
+        QCOMPARE(ini.value(QStringLiteral("LogOn")).toString(), QStringLiteral("0"));
+        QCOMPARE(ini.value(QStringLiteral("LogSafetyOnly")).toString(), QStringLiteral("True"));
+        QCOMPARE(ini.value(QStringLiteral("Alarms/Count")).toString(), QStringLiteral("0"));
+    }
+
+    void storedEmptyForeColorGivesWhiteFaces()
+    {
+        Desk desk("[Font]\nForeColor=\n[General]\nUTCRule=0\n");
+        QVERIFY(desk.window->Load());
+        for (int i = 0; i < 6; ++i)
+            QCOMPARE(desk.FaceFore(i), QColor(255, 255, 255));
+        desk.window->close();
+        QCOMPARE(desk.Stored(QStringLiteral("Font/ForeColor")), QStringLiteral("16777215"));
+    }
+
+    void absentForeColorGivesYellowFaces()
+    {
+        Desk desk("[General]\nUTCRule=0\n");
+        QVERIFY(desk.window->Load());
+        for (int i = 0; i < 6; ++i)
+            QCOMPARE(desk.FaceFore(i), QColor(255, 255, 0));
+    }
+
+    void missingSoundFileTurnsSoundOffWithANotice_data()
+    {
+        QTest::addColumn<QByteArray>("ini");
+        QTest::newRow("sound on") << QByteArray();
+        QTest::newRow("sound already off") << QByteArray("[General]\nAudible=0\n");
+    }
+
+    void missingSoundFileTurnsSoundOffWithANotice()
+    {
+        QFETCH(QByteArray, ini);
+        Desk desk(ini, false);
+        QVERIFY(desk.window->Load());
+        const auto shown = MessageBox::Shown();
+        QCOMPARE(shown.size(), 1);
+        QCOMPARE(shown[0].Text,
+                 QStringLiteral("Notice - Can not find sound file: DefaultAlarm.Wav\rSound turned off. "
+                                "Select a new default sound file in Properties"));
+        QCOMPARE(shown[0].Title, QStringLiteral("Tarrowind"));
+        QCOMPARE(shown[0].ButtonSet, MessageBox::Buttons::OkOnly);
+        QCOMPARE(desk.window->Values().Audible, qint16(0));
+        QVERIFY(!desk.Find<QRadioButton>(QStringLiteral("optDefault"))->isEnabled());
+        QVERIFY(!desk.Find<QRadioButton>(QStringLiteral("optNamed"))->isEnabled());
+        desk.window->close();
+        QCOMPARE(desk.Stored(QStringLiteral("Audible")), QStringLiteral("0"));
+        QCOMPARE(desk.Stored(QStringLiteral("Sound")), QStringLiteral("DefaultAlarm.Wav"));
+    }
+
+    void soundChoicesStayEnabledWhenSoundIsOn()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        QVERIFY(desk.Find<QRadioButton>(QStringLiteral("optDefault"))->isEnabled());
+    }
+
+    void corruptSettingEndsTheLoadAndLeavesTheStoreUntouched()
+    {
+        const QByteArray ini = "[General]\nZone=4\nAudible=loud\n[Font]\nName=Arial\n";
+        Desk desk(ini);
+        QVERIFY(!desk.window->Load());
+        const auto shown = MessageBox::Shown();
+        QCOMPARE(shown.size(), 1);
+        QCOMPARE(shown[0].Text,
+                 QStringLiteral("The stored setting \"Audible\" in section \"General\" has the value "
+                                "\"loud\", which cannot be read.\rTarrowind will close and leave the "
+                                "stored settings unchanged."));
+        desk.window->close();
+        desk.window.reset();
+        desk.store.reset();
+        QCOMPARE(TestEnvironment::ReadFile(desk.env.SettingsFile()), ini);
+        QVERIFY(!QFileInfo::exists(desk.env.LogFolder()));
+    }
+
+    void startEntryIsLoggedInTheSevenFieldFormat()
+    {
+        Desk desk(LogAllEvents);
+        QVERIFY(desk.window->Load());
+        QCOMPARE(desk.TodaysLog(),
+                 QByteArray("\"11/16/2026\",\"10:00\",\"ST\",0,\"Start program\",\"\",\"\"\r\n"));
+    }
+
+    void safetyOnlyLoggingDropsTheStartEntry()
+    {
+        Desk desk("[General]\nLogOn=1\n");
+        QVERIFY(desk.window->Load());
+        QVERIFY(QFileInfo::exists(desk.LogPath(Monday)));
+        QCOMPARE(desk.TodaysLog(), QByteArray());
+    }
+
+    void logSwitchesAreWrittenBackFromThePanel()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.ClickPanel(QStringLiteral("Log"));
+        QTest::mouseClick(desk.Find<QCheckBox>(QStringLiteral("chkLog")), Qt::LeftButton);
+        QCOMPARE(desk.Status(), QStringLiteral("0 alarms, 0 set, Logging On, System Clock"));
+        QVERIFY(desk.Find<QRadioButton>(QStringLiteral("optAll"))->isEnabled());
+        desk.Find<QRadioButton>(QStringLiteral("optAll"))->click();
+        desk.window->close();
+        QCOMPARE(desk.Stored(QStringLiteral("LogOn")), QStringLiteral("1"));
+        QCOMPARE(desk.Stored(QStringLiteral("LogSafetyOnly")), QStringLiteral("False"));
+    }
+
+    void tickWritesThePcSecondsAndRedrawsOnlyAtSecondZero()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        desk.Tick(QTime(10, 5, 42, 500));
+        QCOMPARE(desk.Find<QLineEdit>(QStringLiteral("txtSeconds"))->text(), QStringLiteral("42"));
+        QCOMPARE(desk.FaceText(1), QStringLiteral("10:00"));
+        desk.Tick(QTime(10, 6, 0, 0));
+        QCOMPARE(desk.Find<QLineEdit>(QStringLiteral("txtSeconds"))->text(), QStringLiteral("00"));
+        QCOMPARE(desk.FaceText(1), QStringLiteral("10:06"));
+    }
+
+    void secondsBoxIgnoresTyping()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        auto* seconds = desk.Find<QLineEdit>(QStringLiteral("txtSeconds"));
+        desk.Tick(QTime(10, 5, 42));
+        QTest::keyClicks(seconds, QStringLiteral("99"));
+        QCOMPARE(seconds->text(), QStringLiteral("42"));
+    }
+
+    void secondZeroSeenTwiceRunsTheMinuteOnce()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        desk.Tick(QTime(10, 15, 0, 0));
+        QCOMPARE(desk.Stored(QStringLiteral("Alarms/Count")), QStringLiteral("0"));
+        desk.store->Write(QStringLiteral("Alarms"), QStringLiteral("Count"), QStringLiteral("99"));
+        desk.store->Sync();
+        desk.Tick(QTime(10, 15, 0, 500));
+        QCOMPARE(desk.Stored(QStringLiteral("Alarms/Count")), QStringLiteral("99"));
+    }
+
+    void alarmsAreSavedEveryQuarterHourOnly()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        const auto markStore = [&] {
+            desk.store->Write(QStringLiteral("Alarms"), QStringLiteral("Count"), QStringLiteral("99"));
+            desk.store->Sync();
+        };
+        for (int minute : {15, 30, 45}) {
+            markStore();
+            desk.window->CheckAlarms(10, minute);
+            QCOMPARE(desk.Stored(QStringLiteral("Alarms/Count")), QStringLiteral("0"));
+        }
+        markStore();
+        desk.window->CheckAlarms(11, 0);
+        QCOMPARE(desk.Stored(QStringLiteral("Alarms/Count")), QStringLiteral("0"));
+        markStore();
+        desk.window->CheckAlarms(10, 16);
+        QCOMPARE(desk.Stored(QStringLiteral("Alarms/Count")), QStringLiteral("99"));
+    }
+
+    void internetOffsetMovesFacesAndMinuteButNotSeconds()
+    {
+        Desk desk("[General]\nInetMinOffset=-2\n");
+        QVERIFY(desk.window->Load());
+        desk.store->Write(QStringLiteral("Alarms"), QStringLiteral("Count"), QStringLiteral("99"));
+        // PC time 10:17:00 is corrected to 10:15: the quarter-hour save runs.
+        desk.Tick(QTime(10, 17, 0));
+        QCOMPARE(desk.Find<QLineEdit>(QStringLiteral("txtSeconds"))->text(), QStringLiteral("00"));
+        QCOMPARE(desk.FaceText(1), QStringLiteral("10:15"));
+        QCOMPARE(desk.Stored(QStringLiteral("Alarms/Count")), QStringLiteral("0"));
+        QCOMPARE(desk.window->InternetNow(), QStringLiteral("10:15"));
+    }
+
+    void midnightOpensTheNewDaysLogBeforeTheMinutesWork()
+    {
+        Desk desk(LogAllEvents);
+        desk.clock.Set(Monday, QTime(23, 59, 58));
+        QVERIFY(desk.window->Load());
+        desk.clock.Set(Monday.addDays(1), QTime(0, 0, 0));
+        desk.window->tmrMain_Timer();
+        QVERIFY(QFileInfo::exists(desk.LogPath(Monday.addDays(1))));
+        QCOMPARE(desk.window->Log().OpenDay(), Monday.addDays(1));
+        desk.window->WriteLogEntry(QStringLiteral("EA"), 1, QStringLiteral("Alarm Expired for "),
+                                   QStringLiteral("Night crew"), QString());
+        QCOMPARE(
+            TestEnvironment::ReadFile(desk.LogPath(Monday.addDays(1))),
+            QByteArray("\"11/17/2026\",\"00:00\",\"EA\",1,\"Alarm Expired for \",\"Night crew\",\"\"\r\n"));
+        QCOMPARE(desk.window->windowTitle(),
+                 QStringLiteral("Tarrowind --Tuesday November 17,2026 [Standard Time]"));
+    }
+
+    void titleShowsDaylightTime()
+    {
+        Desk desk("[General]\nDayLight=1\n");
+        QVERIFY(desk.window->Load());
+        QCOMPARE(desk.window->windowTitle(),
+                 QStringLiteral("Tarrowind --Monday November 16,2026 [Daylight Time]"));
+    }
+
+    void daylightTimeMovesOnlyTheUtcFace()
+    {
+        Desk desk("[General]\nZone=4\nDayLight=1\nUTCRule=0\n");
+        QVERIFY(desk.window->Load());
+        desk.Tick(QTime(14, 0, 0));
+        QCOMPARE(desk.FaceText(4), QStringLiteral("14:00"));
+        QCOMPARE(desk.FaceText(1), QStringLiteral("11:00"));
+        QCOMPARE(desk.FaceText(5), QStringLiteral("18:00"));
+    }
+
+    void utcRuleBlanksTheUtcFaceWhileTheClockIsThePcs()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        desk.Tick(QTime(10, 1, 0));
+        auto* utc = desk.Find<QLabel>(QStringLiteral("lblClock1_5"));
+        QCOMPARE(utc->palette().color(QPalette::WindowText), utc->palette().color(QPalette::Window));
+        QCOMPARE(utc->text(), QStringLiteral("18:01"));
+    }
+
+    void zoneOutsideTheTableLeavesTheFacesAlone()
+    {
+        Desk desk("[General]\nZone=9\n");
+        QVERIFY(desk.window->Load());
+        const QString before = desk.FaceText(2);
+        desk.Tick(QTime(10, 7, 0));
+        QCOMPARE(desk.FaceText(2), before);
+        QVERIFY(desk.Find<QComboBox>(QStringLiteral("cboTimeZone"))->currentIndex() < 0);
+    }
+
+    void zoneListsCarryTheOffsets()
+    {
+        Desk desk("[General]\nZone=3\n");
+        QVERIFY(desk.window->Load());
+        auto* zones = desk.Find<QComboBox>(QStringLiteral("cboTimeZone"));
+        QCOMPARE(zones->count(), 6);
+        QCOMPARE(zones->itemText(4), QStringLiteral("Eastern Time (GMT -5 hrs)"));
+        QCOMPARE(zones->itemData(4).toInt(), -5);
+        QCOMPARE(zones->currentIndex(), 3);
+        auto* calcZones = desk.Find<QComboBox>(QStringLiteral("cboZone"));
+        QCOMPARE(calcZones->count(), 6);
+        QCOMPARE(calcZones->itemText(0), QStringLiteral("Alaska"));
+        QCOMPARE(calcZones->itemData(0).toInt(), -9);
+        QCOMPARE(calcZones->currentText(), QStringLiteral("UTC"));
+        // The calculator's list is filled once: a later choice survives redraws.
+        calcZones->setCurrentIndex(2);
+        desk.window->SetTimes();
+        QCOMPARE(calcZones->currentIndex(), 2);
+        QCOMPARE(calcZones->count(), 6);
+    }
+
+    void restoredAlarmsShowInTheStatusAndUnsetExpiriesAreBlanked()
+    {
+        Desk desk(TwoAlarmsOneSet);
+        QVERIFY(desk.window->Load());
+        QCOMPARE(desk.Status(), QStringLiteral("2 alarms, 1 set, Logging On, System Clock"));
+        QCOMPARE(desk.window->Alarms().At(1).Expire, QStringLiteral("11:30"));
+        QCOMPARE(desk.window->Alarms().At(2).Expire, QStringLiteral(" "));
+        QCOMPARE(desk.window->Alarms().SelectedAlarm, 1);
+    }
+
+    void closingWithNoAlarmSetNeitherAsksNorLogs()
+    {
+        Desk desk(LogAllEvents);
+        QVERIFY(desk.window->Load());
+        const QByteArray before = desk.TodaysLog();
+        QVERIFY(desk.window->close());
+        QVERIFY(MessageBox::Shown().isEmpty());
+        QCOMPARE(desk.TodaysLog(), before);
+        QVERIFY(!desk.window->Log().IsTodaysLogOpen());
+    }
+
+    void closingWithAlarmsSetAndNoKeepsRunning()
+    {
+        Desk desk(TwoAlarmsOneSet);
+        QVERIFY(desk.window->Load());
+        const QByteArray before = desk.TodaysLog();
+        MessageBox::SetNextAnswer(MessageBox::Answer::No);
+        QVERIFY(!desk.window->close());
+        QVERIFY(!desk.window->IsStopped());
+        const auto shown = MessageBox::Shown();
+        QCOMPARE(shown.size(), 1);
+        QCOMPARE(shown[0].Text, QStringLiteral("You have alarms that are set\rDo you wish to continue ?"));
+        QCOMPARE(shown[0].Title, QStringLiteral("Exit Tarrowind"));
+        QCOMPARE(shown[0].ButtonSet, MessageBox::Buttons::YesNo);
+        QCOMPARE(shown[0].IconKind, MessageBox::Icon::Exclamation);
+        QVERIFY(shown[0].DefaultSecond);
+        QCOMPARE(desk.TodaysLog(), before);
+        // The alarms were saved before the question.
+        QCOMPARE(desk.Stored(QStringLiteral("Alarms/Expire 2")), QStringLiteral(" "));
+    }
+
+    void closingWithAlarmsSetAndYesLogsTheExit()
+    {
+        Desk desk(TwoAlarmsOneSet);
+        QVERIFY(desk.window->Load());
+        MessageBox::SetNextAnswer(MessageBox::Answer::Yes);
+        QVERIFY(desk.window->close());
+        QVERIFY(desk.window->IsStopped());
+        QVERIFY(
+            desk.TodaysLog().endsWith("\"11/16/2026\",\"10:00\",\"EX\",0,\"Exit program\",\"\",\"\"\r\n"));
+        QCOMPARE(desk.Stored(QStringLiteral("Alarms/Count")), QStringLiteral("2"));
+    }
+
+    void exitPanelClosesTheWindow()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.ClickPanel(QStringLiteral("Exit"));
+        QVERIFY(desk.window->IsStopped());
+        QVERIFY(!desk.window->isVisible());
+    }
+
+    void suspendWithNoAlarmSetIsAllowedWithoutAQuestion()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        QVERIFY(desk.window->SysInfo1_QuerySuspend());
+        QVERIFY(MessageBox::Shown().isEmpty());
+        QCOMPARE(desk.Stored(QStringLiteral("Alarms/Count")), QStringLiteral("0"));
+    }
+
+    void suspendWithAlarmsSetAsks()
+    {
+        Desk desk(TwoAlarmsOneSet);
+        QVERIFY(desk.window->Load());
+        MessageBox::SetNextAnswer(MessageBox::Answer::No);
+        QVERIFY(!desk.window->SysInfo1_QuerySuspend());
+        const auto shown = MessageBox::Shown();
+        QCOMPARE(shown.size(), 1);
+        QCOMPARE(shown[0].Text,
+                 QStringLiteral("You have alarms that are set\rDo you wish to suspend system?\r"
+                                "(if yes alarms will be disabled)"));
+        QCOMPARE(shown[0].Title, QStringLiteral("Tarrowind"));
+        QVERIFY(shown[0].DefaultSecond);
+        QCOMPARE(desk.Stored(QStringLiteral("Alarms/Count")), QStringLiteral("2"));
+        MessageBox::SetNextAnswer(MessageBox::Answer::Yes);
+        QVERIFY(desk.window->SysInfo1_QuerySuspend());
+    }
+
+    void endingTheSessionSavesEverythingWithoutAQuestion()
+    {
+        Desk desk(TwoAlarmsOneSet);
+        QVERIFY(desk.window->Load());
+        desk.window->Alarms().At(2).Message = QStringLiteral("Changed");
+        desk.window->EndSession();
+        QVERIFY(MessageBox::Shown().isEmpty());
+        QVERIFY(desk.window->IsStopped());
+        QCOMPARE(desk.Stored(QStringLiteral("Alarms/Message 2")), QStringLiteral("Changed"));
+        QCOMPARE(desk.Stored(QStringLiteral("Zone")), QStringLiteral("1"));
+        QVERIFY(!desk.window->Log().IsTodaysLogOpen());
+        QVERIFY(desk.window->close()); // closing afterwards asks nothing
+        QVERIFY(MessageBox::Shown().isEmpty());
+    }
+
+    void clockChangeRedrawsTheFacesAtOnce()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        desk.clock.Set(Monday, QTime(15, 42, 10));
+        desk.window->SysInfo1_TimeChanged();
+        QCOMPARE(desk.FaceText(1), QStringLiteral("15:42"));
+    }
+
+    void syncButtonShowsTheNextSync()
+    {
+        Desk desk("[General]\nLastSync=2026-11-16 08:45:00\nAutoSyncHrs=3\nAutoSync=-1\n");
+        QVERIFY(desk.window->Load());
+        auto* sync = desk.Find<QPushButton>(QStringLiteral("cmdSync"));
+        QCOMPARE(sync->text(), QStringLiteral("Clock Sync"));
+        QCOMPARE(sync->toolTip(), QStringLiteral("Next Sync: 11:45"));
+        QVERIFY(!sync->isHidden());
+        QCOMPARE(desk.Status(), QStringLiteral("0 alarms, 0 set, Logging Off, Internet Clock"));
+        desk.window->SetSynchronised(false);
+        desk.window->SyncCheck(0);
+        QCOMPARE(sync->palette().color(QPalette::Button), QColor(255, 0, 0));
+        // Not synchronised with the UTC rule: the UTC face takes face 1's background.
+        QCOMPARE(desk.FaceFore(5),
+                 desk.Find<QLabel>(QStringLiteral("lblClock1_1"))->palette().color(QPalette::Window));
+    }
+
+    void syncButtonIsHiddenWhileTheClockIsThePcs()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        QVERIFY(desk.Find<QPushButton>(QStringLiteral("cmdSync"))->isHidden());
+    }
+
+    void alarmPanelReplacesTheCalculator()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(desk.window.get()));
+        auto* calc = desk.Find<QWidget>(QStringLiteral("picCalc"));
+        auto* alarm = desk.Find<QWidget>(QStringLiteral("picAlarm"));
+        auto* log = desk.Find<QWidget>(QStringLiteral("picLog"));
+        desk.ClickPanel(QStringLiteral("Calc"));
+        QVERIFY(calc->isVisible());
+        desk.ClickPanel(QStringLiteral("Alarm"));
+        QVERIFY(!calc->isVisible());
+        QVERIFY(alarm->isVisible());
+        QVERIFY(!log->isVisible());
+        desk.ClickPanel(QStringLiteral("Log"));
+        QVERIFY(!alarm->isVisible());
+        QVERIFY(log->isVisible());
+    }
+
+    void panelOpensBelowTheClockAndTheWindowGrowsAndShrinks()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(desk.window.get()));
+        auto* main = desk.Find<QWidget>(QStringLiteral("picMain"));
+        auto* bar = desk.Find<QWidget>(QStringLiteral("stsBar"));
+        auto* calc = desk.Find<QWidget>(QStringLiteral("picCalc"));
+        QTRY_COMPARE(desk.window->height(), main->height() + bar->height());
+        const int bareHeight = desk.window->height();
+        const int barTop = bar->y();
+
+        desk.ClickPanel(QStringLiteral("Calc"));
+        QTRY_COMPARE(desk.window->height(), main->height() + calc->height() + bar->height());
+        QCOMPARE(calc->y(), barTop);
+        QCOMPARE(bar->y() + bar->height(), desk.window->height());
+
+        desk.ClickPanel(QStringLiteral("Calc"));
+        QVERIFY(!calc->isVisible());
+        QTRY_COMPARE(desk.window->height(), bareHeight);
+
+        desk.ClickPanel(QStringLiteral("Alarm"));
+        QTest::mouseClick(desk.Find<QPushButton>(QStringLiteral("cmdCloseAlarm")), Qt::LeftButton);
+        QVERIFY(!desk.Find<QWidget>(QStringLiteral("picAlarm"))->isVisible());
+        QTRY_COMPARE(desk.window->height(), bareHeight);
+    }
+
+    void logPanelEnablesItsChoicesFromTheLogSwitch()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.ClickPanel(QStringLiteral("Log"));
+        QVERIFY(!desk.Find<QRadioButton>(QStringLiteral("optAll"))->isEnabled());
+        QVERIFY(!desk.Find<QRadioButton>(QStringLiteral("optSafetyOnly"))->isEnabled());
+        QCOMPARE(desk.Find<QLabel>(QStringLiteral("txtDate"))->text(),
+                 QStringLiteral("Monday, November 16, 2026"));
+        QCOMPARE(desk.Find<QPushButton>(QStringLiteral("cmdCloseLog"))->toolTip(),
+                 QStringLiteral("Close log book"));
+    }
+
+    void sunLineShowsNoCoordinatesForLatitudeZero()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.ClickPanel(QStringLiteral("Calc"));
+        QCOMPARE(desk.Find<QLabel>(QStringLiteral("lblSun"))->text(),
+                 QStringLiteral("Sunrise/Sunset\n(no coordinates)"));
+    }
+
+    void stayOnTopToggles()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(desk.window.get()));
+        auto* onTop = desk.Find<QToolButton>(QStringLiteral("imgOnTop"));
+        auto* notTop = desk.Find<QToolButton>(QStringLiteral("imgNotTop"));
+        QCOMPARE(onTop->toolTip(), QStringLiteral("Stay on Top"));
+        QCOMPARE(notTop->toolTip(), QStringLiteral("Don't stay on top"));
+        QVERIFY(!IsTopMost(desk.window.get()));
+        QTest::mouseClick(onTop, Qt::LeftButton);
+        QVERIFY(IsTopMost(desk.window.get()));
+        QVERIFY(desk.window->isVisible());
+        QVERIFY(onTop->isHidden() && !onTop->isEnabled());
+        QVERIFY(!notTop->isHidden() && notTop->isEnabled());
+        QTest::mouseClick(notTop, Qt::LeftButton);
+        QVERIFY(!IsTopMost(desk.window.get()));
+        QVERIFY(!onTop->isHidden() && onTop->isEnabled());
+        QVERIFY(notTop->isHidden());
+    }
+
+    void statusBarPanelsCarryTheirToolTips()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        QCOMPARE(desk.Find<QLabel>(QStringLiteral("Calc"))->toolTip(), QStringLiteral("Calculate Times"));
+        QCOMPARE(desk.Find<QLabel>(QStringLiteral("Alarm"))->toolTip(), QStringLiteral("Alarm Set"));
+        QCOMPARE(desk.Find<QLabel>(QStringLiteral("Props"))->toolTip(),
+                 QStringLiteral("Set Clock Properties"));
+        QCOMPARE(desk.Find<QLabel>(QStringLiteral("Log"))->toolTip(), QStringLiteral("Logbook"));
+        QCOMPARE(desk.Find<QLabel>(QStringLiteral("Exit"))->toolTip(), QStringLiteral("Exit"));
+        QCOMPARE(desk.Find<QLabel>(QStringLiteral("lblClock1_3"))->property("Tag").toString(),
+                 QStringLiteral("Central"));
+    }
+
+    void existingLogFilesAreMarked()
+    {
+        Desk desk;
+        TestEnvironment::WriteFile(desk.LogPath(QDate(2026, 11, 2)), "");
+        TestEnvironment::WriteFile(QDir(desk.env.LogFolder()).filePath(QStringLiteral("readme.log")), "");
+        QVERIFY(desk.window->Load());
+        QVERIFY(desk.window->MarkedLogDays().contains(QDate(2026, 11, 2)));
+        QVERIFY(desk.window->MarkedLogDays().size() == 1); // today's file is opened after the marking
+    }
+
+    void logOpenFailureIsReportedAndWritesFailLater()
+    {
+        Desk desk(LogAllEvents);
+        TestEnvironment::WriteFile(desk.env.LogFolder(), "a file where the folder should be");
+        QVERIFY(desk.window->Load());
+        const auto shown = MessageBox::Shown();
+        QVERIFY(shown.size() >= 2);
+        QVERIFY(shown[0].Text.startsWith(QStringLiteral("Error opening today's logbook\r\r")));
+        QVERIFY(std::any_of(shown.cbegin(), shown.cend(), [](const MessageBox::Request& r) {
+            return r.Text.startsWith(QStringLiteral("Error writing to the logbook\r\r"));
+        }));
+    }
+
+    void tickStaysInPhaseWithTheWallClock()
+    {
+        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 0)), 500);
+        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 1)), 499);
+        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 499)), 1);
+        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 500)), 500);
+        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 750)), 250);
+        Desk desk;
+        desk.clock.Set(Monday, QTime(10, 0, 17, 250));
+        QVERIFY(desk.window->Load());
+        auto* timer = desk.window->findChild<QTimer*>(QStringLiteral("tmrMain"));
+        QVERIFY(timer && timer->isActive());
+        QCOMPARE(timer->interval(), 250);
+    }
+};
+
+QTEST_MAIN(TestFrmMain)
+#include "tst_frmmain.moc"

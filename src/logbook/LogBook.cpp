@@ -5,6 +5,7 @@
 #include "shell/ErrorText.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QRegularExpression>
 
 QString LogDateFormat(const QLocale& locale)
@@ -81,6 +82,7 @@ LogBook::LogBook(QString folder, const Clock& clock, QLocale locale)
 LogBook::~LogBook()
 {
     CloseTodaysLog();
+    CloseDayLog();
 }
 
 QString LogBook::PathOf(QDate day) const
@@ -134,6 +136,27 @@ std::optional<QString> LogBook::WriteLogEntry(const QString& code, qint16 safety
         return message;
     }
     return std::nullopt;
+}
+
+std::optional<QString> LogBook::OpenDayLog(QDate day, bool& found)
+{
+    QDir().mkpath(m_folder);
+    const QString path = PathOf(day);
+    found = QFileInfo::exists(path);
+    if (!found)
+        return std::nullopt;
+    CloseDayLog();
+    m_dayRead.setFileName(path);
+    if (!m_dayRead.open(QIODevice::ReadOnly))
+        return ErrorText(QStringLiteral("Error opening logbook ") + LogFileName(day), int(m_dayRead.error()),
+                         m_dayRead.errorString());
+    return std::nullopt;
+}
+
+void LogBook::CloseDayLog()
+{
+    if (m_dayRead.isOpen())
+        m_dayRead.close();
 }
 
 QList<QDate> LogBook::AvailableLogDates() const

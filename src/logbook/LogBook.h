@@ -73,6 +73,14 @@ public:
                                          const QString& text2, const QString& text3, const QString& time,
                                          const LogSwitches& switches);
 
+    // Opens the given day's file for reading. `found` tells whether the file exists; a
+    // missing file is not an error. Returns the message to show when an existing file
+    // could not be opened ("Error opening logbook yyyymmdd.log").
+    std::optional<QString> OpenDayLog(QDate day, bool& found);
+    void CloseDayLog();
+    // The file opened by OpenDayLog, for reading its entries.
+    QFile& DayLog() { return m_dayRead; }
+
     // The days that have a log file; names other than eight digits and ".log" are skipped.
     // The date is rebuilt as month/day/year text and read with the locale's date order.
     QList<QDate> AvailableLogDates() const;
@@ -83,4 +91,5 @@ private:
     QLocale m_locale;
     QFile m_today;
     QDate m_openDay;
+    QFile m_dayRead;
 };

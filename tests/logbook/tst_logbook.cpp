@@ -186,6 +186,47 @@ private slots:
         QCOMPARE(TestEnvironment::ReadFile(log.PathOf(QDate(2026, 11, 16))), QByteArray());
     }
 
+    void dayWithoutAFileIsNotFoundAndNotAnError()
+    {
+        TestEnvironment env;
+        ManualClock clock;
+        LogBook log(env.LogFolder(), clock, EnUs);
+        bool found = true;
+        QVERIFY(!log.OpenDayLog(QDate(2026, 11, 1), found));
+        QVERIFY(!found);
+        QVERIFY(!log.DayLog().isOpen());
+        QVERIFY(QFileInfo(env.LogFolder()).isDir()); // the folder is made as for today's log
+    }
+
+    void dayWithAFileIsOpenedForReading()
+    {
+        TestEnvironment env;
+        ManualClock clock;
+        LogBook log(env.LogFolder(), clock, EnUs);
+        TestEnvironment::WriteFile(log.PathOf(QDate(2026, 11, 2)), "\"11/2/2026\",\"08:00\"\r\n");
+        bool found = false;
+        QVERIFY(!log.OpenDayLog(QDate(2026, 11, 2), found));
+        QVERIFY(found);
+        QCOMPARE(log.DayLog().readAll(), QByteArray("\"11/2/2026\",\"08:00\"\r\n"));
+        log.CloseDayLog();
+        QVERIFY(!log.DayLog().isOpen());
+    }
+
+    void unreadableDayFileIsReportedByName()
+    {
+        TestEnvironment env;
+        ManualClock clock;
+        LogBook log(env.LogFolder(), clock, EnUs);
+        // A folder with the day's file name exists but cannot be read as a file.
+        QDir().mkpath(log.PathOf(QDate(2026, 11, 3)));
+        bool found = false;
+        const auto error = log.OpenDayLog(QDate(2026, 11, 3), found);
+        QVERIFY(found);
+        QVERIFY(error);
+        QVERIFY2(error->startsWith(QStringLiteral("Error opening logbook 20261103.log\r\r")),
+                 qPrintable(*error));
+    }
+
     void availableDaysSkipNamesThatAreNotEightDigits()
     {
         TestEnvironment env;

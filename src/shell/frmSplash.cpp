@@ -3,6 +3,7 @@
 #include "Version.h"
 #include "widgets/Icons.h"
 
+#include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -61,6 +62,13 @@ void frmSplash::keyPressEvent(QKeyEvent* event)
 {
     event->accept();
     Finish();
+}
+
+void frmSplash::closeEvent(QCloseEvent* event)
+{
+    // Closed early from the window frame: the main window still comes up.
+    Finish();
+    QWidget::closeEvent(event);
 }
 
 void frmSplash::Finish()

@@ -48,6 +48,17 @@ private slots:
         splash.tmrSplash_Timer();
         QCOMPARE(finished.size(), 1);
     }
+
+    void closingTheSplashEarlyStillBringsUpTheMainWindow()
+    {
+        frmSplash splash;
+        QSignalSpy finished(&splash, &frmSplash::Finished);
+        splash.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&splash));
+        splash.close();
+        QCOMPARE(finished.size(), 1);
+        QVERIFY(!splash.isVisible());
+    }
 };
 
 QTEST_MAIN(TestFrmSplash)

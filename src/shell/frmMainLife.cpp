@@ -168,7 +168,9 @@ void frmMain::tmrMain_Timer()
 {
     try {
         const QString seconds = m_clock.Now().toString(QStringLiteral("ss"));
-        m_picMain->Seconds()->setText(seconds);
+        // Half the ticks fall in a second already shown: repaint only on a change.
+        if (m_picMain->Seconds()->text() != seconds)
+            m_picMain->Seconds()->setText(seconds);
         // While the sync run sets the clock, the half-set clock is not acted on.
         if (seconds.toInt() != 0 || m_clockBeingSet)
             return;

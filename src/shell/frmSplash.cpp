@@ -43,6 +43,7 @@ frmSplash::frmSplash(QWidget* parent)
 
     m_tmrSplash.setObjectName(QStringLiteral("tmrSplash"));
     m_tmrSplash.setSingleShot(true);
+    m_tmrSplash.setTimerType(Qt::PreciseTimer); // a coarse timer may be 100 ms late
     m_tmrSplash.setInterval(2000);
     connect(&m_tmrSplash, &QTimer::timeout, this, &frmSplash::tmrSplash_Timer);
     m_tmrSplash.start();

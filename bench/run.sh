@@ -1,0 +1,350 @@
+#!/usr/bin/env bash
+# Measures Tarrowind's run-time figures and prints a table of targets against results.
+#
+#   1. CPU time used while idle (utime+stime from /proc/PID/stat over an idle window)
+#   2. Peak resident memory (VmHWM from /proc/PID/status)
+#   3. Time from the start of the process to the main window being shown
+#   4. How far after each true second the seconds box changes (bench_tick)
+#
+# Usage: bench/run.sh [--idle SECONDS] [--tick SECONDS] [--starts N] [--build-dir DIR]
+#
+# Every program is run under a virtual X server (xvfb-run) and without the capability to
+# set the computer's clock (setpriv). The program runs from a temporary copy with its own
+# temporary settings, data and runtime folders, so the user's own files are not touched.
+set -euo pipefail
+
+readonly SCREEN="-screen 0 1024x600x24"
+readonly TITLE_PREFIX='"Tarrowind --'
+readonly SPLASH_TITLE='"Tarrowind"'
+readonly CAP_SYS_TIME_BIT=25
+# Targets.
+readonly TARGET_CPU_PERCENT=0.1
+readonly TARGET_HWM_MB=60
+readonly TARGET_START_S=2.2
+readonly TARGET_TICK_MS=20
+
+die() {
+    echo "run.sh: error: $*" >&2
+    exit 1
+}
+note() { echo "run.sh: $*" >&2; }
+
+# Floating-point arithmetic and comparisons.
+calc() { awk "BEGIN { printf \"%.${1}f\", $2 }"; }
+le() { awk -v a="$1" -v b="$2" 'BEGIN { exit !(a <= b) }'; }
+
+# Fails unless this process has lost CAP_SYS_TIME from its bounding set.
+check_no_sys_time() {
+    local bnd
+    bnd=$(awk '/^CapBnd:/ { print $2 }' /proc/self/status)
+    if (((16#$bnd >> CAP_SYS_TIME_BIT) & 1)); then
+        die "refusing to run: CAP_SYS_TIME is still in the bounding set"
+    fi
+}
+
+# CPU ticks (utime + stime, all threads) of a process.
+cpu_ticks() { awk '{ sub(/^.*\) /, ""); print $12 + $13 }' "/proc/$1/stat"; }
+# Nanoseconds on the CPU, summed over the process's current threads (finer than ticks).
+cpu_ns() { { cat /proc/"$1"/task/*/schedstat 2>/dev/null || true; } | awk '{ s += $1 } END { printf "%d", s }'; }
+status_kb() { awk -v key="$2:" '$1 == key { print $2 }' "/proc/$1/status"; }
+
+# ---------------------------------------------------------------------------------------
+# Inner part: runs inside xvfb-run (DISPLAY is set), launches the program, measures it and
+# writes "key=value" lines to the results file.
+# ---------------------------------------------------------------------------------------
+inner() {
+    local program=$1 sound=$2 results=$3 idle=$4 starts=$5
+    local settle=5 start_timeout=30 stop_timeout=15
+    local clk_tck
+    clk_tck=$(getconf CLK_TCK)
+    check_no_sys_time
+    : >"$results"
+
+    pid="" base="" xev_pid=""
+    # shellcheck disable=SC2317 # called by the trap
+    inner_cleanup() {
+        if [[ -n $pid ]] && kill -0 "$pid" 2>/dev/null; then
+            kill -TERM "$pid" 2>/dev/null || true
+            local i
+            for ((i = 0; i < 30; i++)); do
+                kill -0 "$pid" 2>/dev/null || break
+                sleep 0.1
+            done
+            kill -KILL "$pid" 2>/dev/null || true
+        fi
+        if [[ -n $base ]]; then
+            rm -rf "$base"
+        fi
+        if [[ -n $xev_pid ]]; then
+            kill "$xev_pid" 2>/dev/null || true
+        fi
+    }
+    trap inner_cleanup EXIT
+    trap 'exit 130' INT
+    trap 'exit 143' TERM
+
+    # Listen to the X server's notices of top-level windows being mapped.
+    exec 3< <(exec stdbuf -oL xev -root -event substructure)
+    xev_pid=$!
+    sleep 1 # let xev connect and select its input before the first start
+    kill -0 "$xev_pid" 2>/dev/null || die "xev could not listen to the X server"
+
+    local run
+    for ((run = 1; run <= starts; run++)); do
+        # A fresh copy and fresh folders for every start: no settings, no logs.
+        base=$(mktemp -d "${TMPDIR:-/tmp}/tw-bench-run.XXXXXX")
+        mkdir -p "$base/app" "$base/config" "$base/data" "$base/cache"
+        install -d -m 700 "$base/runtime"
+        cp "$program" "$base/app/tarrowind"
+        cp "$sound" "$base/app/DefaultAlarm.Wav"
+
+        local t0 t1
+        t0=$EPOCHREALTIME
+        env -u QT_QPA_PLATFORM LANG=en_US.UTF-8 LC_ALL= HOME="$base" \
+            XDG_CONFIG_HOME="$base/config" XDG_DATA_HOME="$base/data" \
+            XDG_CACHE_HOME="$base/cache" XDG_RUNTIME_DIR="$base/runtime" \
+            "$base/app/tarrowind" >"$base/stdout.txt" 2>"$base/stderr.txt" &
+        pid=$!
+
+        # Wait for the main window to be mapped. The X server's map notices are read as
+        # they come (no polling, which would compete with the program for the CPU).
+        local shown="" line="" id="" name="" splash_s="" rc=0
+        while :; do
+            rc=0
+            read -r -t 0.2 line <&3 || rc=$?
+            if ((rc > 128)); then # no notice yet
+                if ! kill -0 "$pid" 2>/dev/null; then
+                    sed 's/^/  | /' "$base/stderr.txt" >&2
+                    die "the program ended before its main window appeared (run $run)"
+                fi
+                le "$(calc 3 "$EPOCHREALTIME - $t0")" "$start_timeout" ||
+                    die "no window titled ${TITLE_PREFIX#\"}... after ${start_timeout} s (run $run)"
+                continue
+            fi
+            ((rc == 0)) || die "the X event listener (xev) ended unexpectedly"
+            [[ $line == MapNotify* ]] || continue
+            t1=$EPOCHREALTIME
+            read -r -t 2 line <&3 || die "unexpected output from xev after a MapNotify"
+            id=$(sed -n 's/.* window \(0x[0-9a-fA-F]*\), override.*/\1/p' <<<"$line")
+            [[ -n $id ]] || continue
+            name=$(xwininfo -id "$id" 2>/dev/null) || continue
+            name=${name#*Window id: "$id" }
+            name=${name%%$'\n'*}
+            if [[ $name == "$TITLE_PREFIX"* ]]; then
+                shown=1
+                break
+            fi
+            if [[ -z $splash_s && $name == "$SPLASH_TITLE" ]]; then
+                splash_s=$(calc 3 "$t1 - $t0")
+            fi
+        done
+        [[ -n $shown ]] || die "internal error: window not seen"
+        local start_s
+        start_s=$(calc 3 "$t1 - $t0")
+        echo "start_s_$run=$start_s" >>"$results"
+        echo "splash_s_$run=${splash_s:-none}" >>"$results"
+        note "run $run: splash seen after ${splash_s:-(never)} s, main window shown after $start_s s"
+
+        if ((run == 1)); then
+            # Let the first paints and the start-up work finish, then measure idle.
+            sleep "$settle"
+            local ticks0 ticks1 ns0 ns1 w0 w1
+            w0=$EPOCHREALTIME
+            ticks0=$(cpu_ticks "$pid")
+            ns0=$(cpu_ns "$pid")
+            note "idle window of $idle s..."
+            sleep "$idle" &
+            wait $! # (a trap is acted on at once while waiting)
+            ticks1=$(cpu_ticks "$pid")
+            ns1=$(cpu_ns "$pid")
+            w1=$EPOCHREALTIME
+            local wall
+            wall=$(calc 3 "$w1 - $w0")
+            {
+                echo "idle_wall_s=$wall"
+                echo "idle_ticks=$((ticks1 - ticks0))"
+                echo "idle_cpu_percent=$(calc 4 "($ticks1 - $ticks0) / $clk_tck / $wall * 100")"
+                echo "idle_cpu_percent_schedstat=$(calc 4 "($ns1 - $ns0) / 1e9 / $wall * 100")"
+                echo "total_ticks=$ticks1"
+                echo "threads=$(status_kb "$pid" Threads)"
+                echo "vmhwm_kb=$(status_kb "$pid" VmHWM)"
+                echo "vmrss_kb=$(status_kb "$pid" VmRSS)"
+            } >>"$results"
+        fi
+
+        # Ask the program to end and wait for it.
+        kill -TERM "$pid"
+        local waited=0
+        while kill -0 "$pid" 2>/dev/null && ((waited < stop_timeout * 10)); do
+            sleep 0.1
+            waited=$((waited + 1))
+        done
+        if kill -0 "$pid" 2>/dev/null; then
+            kill -KILL "$pid" 2>/dev/null || true
+            wait "$pid" 2>/dev/null || true
+            pid=""
+            die "the program did not end within $stop_timeout s of SIGTERM (run $run)"
+        fi
+        local status=0
+        wait "$pid" || status=$?
+        pid=""
+        echo "exit_status_$run=$status" >>"$results"
+        if [[ -f "$base/config/Tarrowind 2.ini" ]]; then
+            echo "settings_saved_$run=yes" >>"$results"
+        else
+            echo "settings_saved_$run=no" >>"$results"
+        fi
+        if [[ -s "$base/stderr.txt" ]]; then
+            note "run $run wrote to stderr:"
+            sed 's/^/  | /' "$base/stderr.txt" >&2
+        fi
+        rm -rf "$base"
+        base=""
+    done
+}
+
+if [[ ${1:-} == __inner ]]; then
+    shift
+    inner "$@"
+    exit 0
+fi
+
+# ---------------------------------------------------------------------------------------
+# Outer part.
+# ---------------------------------------------------------------------------------------
+script=$(readlink -f "${BASH_SOURCE[0]}")
+root=$(dirname "$(dirname "$script")")
+build_dir="$root/build-bench"
+idle=60
+tick=30
+starts=5
+
+usage() {
+    sed -n '2,13p' "$script" | sed 's/^# \{0,1\}//'
+}
+
+while (($#)); do
+    case $1 in
+    --idle) idle=${2:?--idle needs a number of seconds}; shift 2 ;;
+    --tick) tick=${2:?--tick needs a number of seconds}; shift 2 ;;
+    --starts) starts=${2:?--starts needs a number}; shift 2 ;;
+    --build-dir) build_dir=${2:?--build-dir needs a folder}; shift 2 ;;
+    -h | --help) usage; exit 0 ;;
+    *) usage >&2; die "unknown argument: $1" ;;
+    esac
+done
+for n in "$idle" "$tick" "$starts"; do
+    [[ $n =~ ^[1-9][0-9]*$ ]] || die "not a positive whole number: $n"
+done
+
+for tool in cmake ninja xvfb-run xwininfo xev stdbuf setpriv timeout awk getconf; do
+    command -v "$tool" >/dev/null || die "$tool not found (xwininfo, xev: x11-utils; xvfb-run: xvfb)"
+done
+
+# Build (Release) if needed; ninja rebuilds only what changed.
+if [[ ! -f "$build_dir/CMakeCache.txt" ]]; then
+    note "configuring $build_dir"
+    cmake -S "$root" -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTW_BUILD_TESTS=OFF \
+        -DTW_BUILD_BENCH=ON >/dev/null || die "cmake configure failed"
+fi
+build_type=$(awk -F= '/^CMAKE_BUILD_TYPE:/ { print $2 }' "$build_dir/CMakeCache.txt")
+[[ $build_type == Release ]] || note "warning: $build_dir is a '$build_type' build, not Release"
+note "building in $build_dir"
+cmake --build "$build_dir" --target tarrowind bench_tick DefaultAlarmSound >/dev/null ||
+    die "build failed (run: cmake --build $build_dir)"
+
+program="$build_dir/src/tarrowind"
+sound="$build_dir/src/DefaultAlarm.Wav"
+bench_tick="$build_dir/bench/bench_tick"
+for f in "$program" "$sound" "$bench_tick"; do
+    [[ -f $f ]] || die "missing after build: $f"
+done
+
+work=$(mktemp -d "${TMPDIR:-/tmp}/tw-bench.XXXXXX")
+# Every temporary file of the run (xvfb-run's too) goes under $work, removed at the end.
+mkdir "$work/tmp"
+export TMPDIR="$work/tmp"
+child=""
+# shellcheck disable=SC2317 # called by the traps
+cleanup() {
+    if [[ -n $child ]]; then
+        kill -TERM "$child" 2>/dev/null || true
+        wait "$child" 2>/dev/null || true
+    fi
+    rm -rf "$work"
+}
+trap cleanup EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
+
+# Runs a step in the background and waits for it, so that an interruption is acted on at
+# once (bash runs a trap only after a foreground command has ended).
+step() {
+    "$@" &
+    child=$!
+    local rc=0
+    wait "$child" || rc=$?
+    child=""
+    return "$rc"
+}
+
+# 1-3: the real program.
+results="$work/program.txt"
+note "measuring the program: $starts start(s), idle window $idle s"
+step timeout --kill-after=10 $((starts * 60 + idle + 60)) \
+    setpriv --bounding-set -sys_time --inh-caps -sys_time -- \
+    xvfb-run -a -s "$SCREEN" bash "$script" __inner "$program" "$sound" "$results" "$idle" "$starts" ||
+    die "the program measurement failed (status $?)"
+
+# 4: the seconds box.
+tick_out="$work/tick.txt"
+mkdir -p "$work/tick/config" "$work/tick/data"
+install -d -m 700 "$work/tick/runtime"
+note "measuring the seconds box for $tick s"
+tick_status=0
+step timeout --kill-after=10 $((tick + 60)) \
+    env -u QT_QPA_PLATFORM LANG=en_US.UTF-8 LC_ALL= HOME="$work/tick" XDG_CONFIG_HOME="$work/tick/config" \
+    XDG_DATA_HOME="$work/tick/data" XDG_RUNTIME_DIR="$work/tick/runtime" \
+    setpriv --bounding-set -sys_time --inh-caps -sys_time -- \
+    xvfb-run -a -s "$SCREEN" "$bench_tick" "$tick" >"$tick_out" || tick_status=$?
+((tick_status == 0 || tick_status == 1)) || die "bench_tick failed (status $tick_status)"
+[[ $tick_status == 0 ]] || note "warning: bench_tick reported a problem (status 1), see wrong_second"
+
+get() { awk -F= -v k="$2" '$1 == k { print $2; exit }' "$1"; }
+
+# Start-up times: median and worst of the starts.
+mapfile -t start_times < <(for ((i = 1; i <= starts; i++)); do get "$results" "start_s_$i"; done | sort -n)
+mapfile -t splash_times < <(for ((i = 1; i <= starts; i++)); do get "$results" "splash_s_$i"; done | sort -n)
+start_median=${start_times[$(((starts - 1) / 2))]}
+start_max=${start_times[$((starts - 1))]}
+cpu=$(get "$results" idle_cpu_percent)
+cpu_fine=$(get "$results" idle_cpu_percent_schedstat)
+hwm_kb=$(get "$results" vmhwm_kb)
+hwm_mb=$(calc 1 "$hwm_kb / 1024")
+rss_mb=$(calc 1 "$(get "$results" vmrss_kb) / 1024")
+tick_median=$(get "$tick_out" median_ms)
+tick_p95=$(get "$tick_out" p95_ms)
+tick_max=$(get "$tick_out" max_ms)
+tick_min=$(get "$tick_out" min_ms)
+
+verdict() { if le "$1" "$2"; then echo PASS; else echo MISS; fi; }
+abs() { awk -v a="$1" 'BEGIN { print (a < 0 ? -a : a) }'; }
+tick_worst=$(abs "$tick_max")
+if le "$tick_worst" "$(abs "$tick_min")"; then tick_worst=$(abs "$tick_min"); fi
+
+echo
+echo "Tarrowind benchmarks  ($(date '+%Y-%m-%d %H:%M'), $(nproc) cores, $(awk -F': ' '/^model name/ { print $2; exit }' /proc/cpuinfo), Qt $(get "$tick_out" qt_version))"
+printf '%-34s %-12s %-40s %s\n' "Benchmark" "Target" "Measured" "Result"
+printf '%-34s %-12s %-40s %s\n' "Idle CPU over $idle s" "<= ${TARGET_CPU_PERCENT} %" \
+    "$cpu % ($(get "$results" idle_ticks) ticks; fine: $cpu_fine %)" "$(verdict "$cpu" "$TARGET_CPU_PERCENT")"
+printf '%-34s %-12s %-40s %s\n' "Peak resident memory (VmHWM)" "<= ${TARGET_HWM_MB} MB" \
+    "$hwm_mb MB (RSS at end $rss_mb MB)" "$(verdict "$hwm_mb" "$TARGET_HWM_MB")"
+printf '%-34s %-12s %-40s %s\n' "Start to main window ($starts starts)" "<= ${TARGET_START_S} s" \
+    "median $start_median s, max $start_max s" "$(verdict "$start_max" "$TARGET_START_S")"
+printf '%-34s %-12s %-40s %s\n' "Seconds box lag ($(get "$tick_out" count) changes)" "<= ${TARGET_TICK_MS} ms" \
+    "median $tick_median, p95 $tick_p95, max $tick_max ms" "$(verdict "$tick_worst" "$TARGET_TICK_MS")"
+echo
+echo "Details: start times ${start_times[*]} s; splash mapped after ${splash_times[*]} s; threads $(get "$results" threads);" \
+    "exit status on SIGTERM $(get "$results" exit_status_1), settings saved $(get "$results" settings_saved_1);" \
+    "seconds box min lag $tick_min ms, wrong second $(get "$tick_out" wrong_second);" \
+    "bench_tick load+show $(get "$tick_out" load_and_show_ms) ms."

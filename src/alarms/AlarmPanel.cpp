@@ -1,47 +1,464 @@
 #include "alarms/AlarmPanel.h"
 
+#include "alarms/AlarmListView.h"
+#include "alarms/AlarmLogic.h"
+#include "shell/frmMain.h"
+#include "widgets/FileDialog.h"
+#include "widgets/MessageBox.h"
+#include "widgets/TimeBox.h"
+
+#include <QCheckBox>
+#include <QEvent>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QLineEdit>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-AlarmPanel::AlarmPanel(QWidget* parent)
-    : QFrame(parent), m_optDefault(new QRadioButton(QStringLiteral("Default"))),
-      m_optNamed(new QRadioButton(QStringLiteral("Named"))), m_close(new QPushButton(QStringLiteral("Close")))
+#include <exception>
+
+namespace {
+
+template <typename W>
+W* Named(W* widget, const QString& name, const QString& accessible)
+{
+    widget->setObjectName(name);
+    widget->setAccessibleName(accessible);
+    return widget;
+}
+
+const QString RingingTip = QStringLiteral("This Alarm is ringing, acknowledge first");
+
+} // namespace
+
+AlarmPanel::AlarmPanel(frmMain& main, QWidget* parent)
+    : QFrame(parent), m_main(main), m_lstAlarms(new AlarmListView),
+      m_txtMessage(Named(new QLineEdit, QStringLiteral("txtMessage"), QStringLiteral("Alarm message"))),
+      m_optClock(Named(new QRadioButton(QStringLiteral(" Clock Time ")), QStringLiteral("optClock"),
+                       QStringLiteral(" Clock Time "))),
+      m_optTimer(Named(new QRadioButton(QStringLiteral("Timer (Interval)")), QStringLiteral("optTimer"),
+                       QStringLiteral("Timer (Interval)"))),
+      m_edtExpire(Named(new TimeBox, QStringLiteral("edtExpire"), QStringLiteral("Expiry time or interval"))),
+      m_chkRepeat(Named(new QCheckBox(QStringLiteral("Retain")), QStringLiteral("chkRepeat"),
+                        QStringLiteral("Retain"))),
+      m_chkSafety(Named(new QCheckBox(QStringLiteral("Safety Check")), QStringLiteral("chkSafety"),
+                        QStringLiteral("Safety Check"))),
+      m_cmdCheckIn(Named(new QPushButton(QStringLiteral("Check In")), QStringLiteral("cmdCheckIn"),
+                         QStringLiteral("Check In"))),
+      m_fmeSound(Named(new QGroupBox(QStringLiteral("Alarm Audio")), QStringLiteral("fmeSound"),
+                       QStringLiteral("Alarm Audio"))),
+      m_optDefault(Named(new QRadioButton(QStringLiteral("Default")), QStringLiteral("optDefault"),
+                         QStringLiteral("Default"))),
+      m_optNamed(Named(new QRadioButton(QStringLiteral("Named")), QStringLiteral("optNamed"),
+                       QStringLiteral("Named"))),
+      m_cmdSet(Named(new QPushButton(QStringLiteral("Set Alarm")), QStringLiteral("cmdSet"),
+                     QStringLiteral("Set Alarm"))),
+      m_cmdNew(
+          Named(new QPushButton(QStringLiteral("New")), QStringLiteral("cmdNew"), QStringLiteral("New"))),
+      m_cmdDelete(Named(new QPushButton(QStringLiteral("Delete")), QStringLiteral("cmdDelete"),
+                        QStringLiteral("Delete"))),
+      m_cmdView(Named(new QPushButton(QStringLiteral("Icons View")), QStringLiteral("cmdView"),
+                      QStringLiteral("View"))),
+      m_cmdNote(
+          Named(new QPushButton(QStringLiteral("Note")), QStringLiteral("cmdNote"), QStringLiteral("Note"))),
+      m_cmdCloseAlarm(Named(new QPushButton(QStringLiteral("Close")), QStringLiteral("cmdCloseAlarm"),
+                            QStringLiteral("Close")))
 {
     setObjectName(QStringLiteral("picAlarm"));
     setAccessibleName(QStringLiteral("picAlarm"));
     setFrameShape(QFrame::StyledPanel);
-    setMinimumHeight(220);
 
-    auto* sound = new QGroupBox(QStringLiteral("Alarm Audio"));
-    sound->setObjectName(QStringLiteral("fmeSound"));
-    m_optDefault->setObjectName(QStringLiteral("optDefault"));
-    m_optDefault->setAccessibleName(QStringLiteral("Default"));
-    m_optDefault->setChecked(true);
-    m_optNamed->setObjectName(QStringLiteral("optNamed"));
-    m_optNamed->setAccessibleName(QStringLiteral("Named"));
+    m_cmdCheckIn->setToolTip(QStringLiteral("Acknowledge Check In and log location"));
+    m_cmdCheckIn->setEnabled(false);
     m_optNamed->setToolTip(QStringLiteral("Default sound will be used"));
-    auto* soundLayout = new QHBoxLayout(sound);
+    m_optDefault->setChecked(true);
+    m_optClock->setChecked(true);
+    m_cmdSet->setToolTip(QStringLiteral("Set/Cancel alarm"));
+    m_cmdDelete->setToolTip(QStringLiteral("Delete alarm"));
+    m_cmdView->setToolTip(QStringLiteral("Change alarms view"));
+    m_cmdNote->setToolTip(QStringLiteral("Write a note to the logbook for the selected alarm"));
+    m_cmdCloseAlarm->setToolTip(QStringLiteral("Close alarms"));
+    m_lstAlarms->setMinimumSize(380, 170);
+    m_txtMessage->setMaxLength(255);
+
+    auto* soundLayout = new QHBoxLayout(m_fmeSound);
     soundLayout->addWidget(m_optDefault);
     soundLayout->addWidget(m_optNamed);
 
-    m_close->setObjectName(QStringLiteral("cmdCloseAlarm"));
-    m_close->setAccessibleName(QStringLiteral("Close"));
-    m_close->setToolTip(QStringLiteral("Close alarms"));
+    auto* editor = new QGridLayout;
+    editor->addWidget(m_txtMessage, 0, 0, 1, 2);
+    editor->addWidget(m_optClock, 1, 0);
+    editor->addWidget(m_optTimer, 1, 1);
+    editor->addWidget(m_edtExpire, 2, 0);
+    editor->addWidget(m_cmdSet, 2, 1);
+    editor->addWidget(m_chkRepeat, 3, 0);
+    editor->addWidget(m_chkSafety, 3, 1);
+    editor->addWidget(m_cmdCheckIn, 4, 1);
+    editor->addWidget(m_fmeSound, 5, 0, 1, 2);
+    editor->setRowStretch(6, 1);
 
+    auto* buttons = new QHBoxLayout;
+    for (QPushButton* b : {m_cmdNew, m_cmdDelete, m_cmdNote, m_cmdView})
+        buttons->addWidget(b);
+    buttons->addStretch(1);
+    buttons->addWidget(m_cmdCloseAlarm);
+
+    auto* top = new QHBoxLayout;
+    top->addWidget(m_lstAlarms, 1);
+    top->addLayout(editor);
     auto* layout = new QVBoxLayout(this);
-    layout->addStretch(1);
-    auto* bottom = new QHBoxLayout;
-    bottom->addWidget(sound);
-    bottom->addStretch(1);
-    bottom->addWidget(m_close, 0, Qt::AlignBottom);
-    layout->addLayout(bottom);
+    layout->addLayout(top);
+    layout->addLayout(buttons);
+
+    connect(m_cmdNew, &QPushButton::clicked, this, &AlarmPanel::cmdNew_Click);
+    connect(m_cmdSet, &QPushButton::clicked, this, &AlarmPanel::cmdSet_Click);
+    connect(m_cmdDelete, &QPushButton::clicked, this, &AlarmPanel::cmdDelete_Click);
+    connect(m_cmdCheckIn, &QPushButton::clicked, this, &AlarmPanel::cmdCheckIn_Click);
+    connect(m_cmdNote, &QPushButton::clicked, this, &AlarmPanel::cmdNote_Click);
+    connect(m_cmdView, &QPushButton::clicked, this, &AlarmPanel::cmdView_Click);
+    connect(m_lstAlarms, &AlarmListView::ItemClick, this, &AlarmPanel::lstAlarms_ItemClick);
+    connect(m_lstAlarms, &AlarmListView::ItemDoubleClick, this, [this](const QString& tag) {
+        lstAlarms_ItemClick(tag);
+        cmdCheckIn_Click();
+    });
+    connect(m_lstAlarms, &AlarmListView::ColumnClick, this, &AlarmPanel::lstAlarms_ColumnClick);
+    connect(m_txtMessage, &QLineEdit::textChanged, this, &AlarmPanel::txtMessage_Change);
+    // Option buttons and check boxes act when their value changes, also by code.
+    connect(m_optClock, &QRadioButton::toggled, this, [this](bool on) {
+        if (on)
+            optClock_Click();
+    });
+    connect(m_optTimer, &QRadioButton::toggled, this, [this](bool on) {
+        if (on)
+            optTimer_Click();
+    });
+    connect(m_optDefault, &QRadioButton::toggled, this, [this](bool on) {
+        if (on)
+            optDefault_Click();
+    });
+    connect(m_chkRepeat, &QCheckBox::toggled, this, &AlarmPanel::chkRepeat_Click);
+    connect(m_chkSafety, &QCheckBox::toggled, this, &AlarmPanel::chkSafety_Click);
+    connect(m_edtExpire, &TimeBox::Change, this, &AlarmPanel::edtExpire_Change);
+    connect(m_edtExpire, &TimeBox::GotFocus, this, &AlarmPanel::edtExpire_GotFocus);
+    connect(m_edtExpire, &TimeBox::KeyTyped, this, &AlarmPanel::edtExpire_KeyPress);
+    connect(m_edtExpire, &TimeBox::LostFocus, this, &AlarmPanel::edtExpire_LostFocus);
+    m_optNamed->installEventFilter(this);
 }
 
 void AlarmPanel::SetSoundChoicesEnabled(bool enabled)
 {
     m_optDefault->setEnabled(enabled);
     m_optNamed->setEnabled(enabled);
+}
+
+bool AlarmPanel::Editing() const
+{
+    return !m_loadingEditor && m_main.Alarms().AlarmCount > 0;
+}
+
+void AlarmPanel::RefreshRows()
+{
+    const AlarmTable& table = m_main.Alarms();
+    m_lstAlarms->Clear();
+    for (int n = 1; n <= table.AlarmCount; ++n) {
+        const AlarmRecord& a = table.At(n);
+        m_lstAlarms->AddRow({RowText(a), a.Safety == 1, a.Expire, RowStatus(a), a.LastPosition, RowTag(n)});
+    }
+}
+
+void AlarmPanel::SetSelectedAlarm()
+{
+    const AlarmTable& table = m_main.Alarms();
+    const int n = table.SelectedAlarm;
+    if (n < 1 || n > table.AlarmCount)
+        return;
+    const AlarmRecord& a = table.At(n);
+    m_loadingEditor = true;
+    m_lstAlarms->SelectTag(RowTag(n));
+    m_txtMessage->setText(a.Message);
+    m_txtMessage->setEnabled(true);
+    if (!a.TypeTimer) {
+        m_optClock->setChecked(true);
+        m_edtExpire->SetText(a.Expire);
+    } else {
+        m_edtExpire->SetText(a.Interval);
+        m_optTimer->setChecked(true);
+    }
+    m_cmdSet->setText(a.AlarmSet ? QStringLiteral(" Cancel Alarm") : QStringLiteral(" Set Alarm"));
+    m_chkRepeat->setChecked(a.Repeat == 1);
+    m_chkSafety->setChecked(a.Safety == 1);
+    if (a.AudioPath.isEmpty()) {
+        m_optDefault->setChecked(true);
+        m_optNamed->setToolTip(QStringLiteral("Default sound will be used"));
+    } else {
+        m_optNamed->setChecked(true);
+        m_optNamed->setToolTip(a.AudioPath);
+    }
+    m_lstAlarms->setToolTip(ListToolTip(a));
+    const bool ringing = a.Ringing;
+    m_cmdDelete->setEnabled(!ringing);
+    m_cmdSet->setEnabled(!ringing);
+    m_cmdCheckIn->setEnabled(!ringing && m_chkSafety->isChecked());
+    m_cmdDelete->setToolTip(ringing ? RingingTip : QStringLiteral("Delete alarm"));
+    m_cmdSet->setToolTip(ringing ? RingingTip : QStringLiteral("Set/Cancel alarm"));
+    m_cmdCheckIn->setToolTip(ringing ? RingingTip : QStringLiteral("Safety check in"));
+    m_loadingEditor = false;
+}
+
+void AlarmPanel::cmdNew_Click()
+{
+    AlarmTable& table = m_main.Alarms();
+    const auto n = NewAlarm(table);
+    if (!n) {
+        MessageBox::Notice(this, QStringLiteral("Maximum alarms exceeded, can't create new"));
+        return;
+    }
+    table.SelectedAlarm = *n;
+    m_main.RefreshAlarmList();
+    m_loadingEditor = true;
+    m_optClock->setChecked(true);
+    m_txtMessage->setText(QStringLiteral("<NEW>"));
+    m_lstAlarms->SetRowText(RowTag(*n), QStringLiteral("<NEW>    "));
+    m_chkRepeat->setChecked(false);
+    m_edtExpire->SetText(QStringLiteral("00:00"));
+    m_loadingEditor = false;
+    m_main.RefreshAlarmList();
+    SetSelectedAlarm();
+    m_txtMessage->setFocus();
+    m_txtMessage->setSelection(0, 10);
+}
+
+void AlarmPanel::cmdSet_Click()
+{
+    AlarmTable& table = m_main.Alarms();
+    if (table.AlarmCount == 0)
+        return;
+    try {
+        const int n = table.SelectedAlarm;
+        AlarmRecord& a = table.At(n);
+        if (a.AlarmSet) {
+            a.Expire = QStringLiteral("00:00");
+            m_lstAlarms->SetRowExpires(RowTag(n), a.Expire);
+            m_cmdSet->setText(QStringLiteral(" Set Alarm"));
+            m_main.WriteLogEntry(QStringLiteral("CA"), a.Safety, QString::fromUtf16(AlarmLogText::Cancelled),
+                                 a.Message, QString());
+            table.At(n).AlarmSet = false;
+        } else {
+            // An alarm armed with a time that cannot be read could never ring: refuse it.
+            if (!IntervalMinutes(m_edtExpire->Text())) {
+                MessageBox::Notice(this,
+                                   QStringLiteral("The alarm was not set: type its ") +
+                                       (a.TypeTimer ? QStringLiteral("interval") : QStringLiteral("time")) +
+                                       QStringLiteral(" as hh:mm (00:00 to 23:59)."));
+                m_edtExpire->setFocus();
+                return;
+            }
+            a.AlarmSet = true;
+            if (!a.TypeTimer) {
+                a.Expire = TimeText(m_edtExpire->Text());
+                m_lstAlarms->SetRowExpires(RowTag(n), m_edtExpire->Text());
+            } else {
+                a.Interval = TimeText(m_edtExpire->Text());
+                m_main.CalcExpire(m_edtExpire->Text(), n);
+            }
+            m_cmdSet->setText(QStringLiteral(" Cancel Alarm"));
+            m_main.WriteLogEntry(QStringLiteral("SA"), a.Safety, QString::fromUtf16(AlarmLogText::Set),
+                                 a.Message, AlarmLogText::ExpiresAt(a.Expire));
+        }
+        m_main.RefreshAlarmList();
+        SetSelectedAlarm();
+    } catch (const std::exception&) {
+        // A failing click ends quietly.
+    }
+}
+
+void AlarmPanel::cmdDelete_Click()
+{
+    AlarmTable& table = m_main.Alarms();
+    if (table.AlarmCount == 0)
+        return;
+    m_main.DeleteAlarm(table.SelectedAlarm);
+    // The selection stays on the same place in the list, or the new last alarm.
+    table.SelectedAlarm = qBound(1, table.SelectedAlarm, qMax(1, table.AlarmCount));
+    if (table.AlarmCount > 0) {
+        SetSelectedAlarm();
+    } else {
+        m_loadingEditor = true;
+        m_txtMessage->clear();
+        m_edtExpire->SetText(QString());
+        m_cmdSet->setText(QStringLiteral(" Set Alarm"));
+        m_loadingEditor = false;
+    }
+}
+
+void AlarmPanel::cmdCheckIn_Click()
+{
+    if (m_main.Alarms().AlarmCount < 1 || !m_chkSafety->isChecked())
+        return;
+    m_main.StartCheckIn(m_main.Alarms().SelectedAlarm);
+}
+
+void AlarmPanel::cmdNote_Click()
+{
+    if (m_lstAlarms->RowCount() > 0)
+        m_main.OpenNote();
+}
+
+void AlarmPanel::cmdView_Click()
+{
+    const bool toIcons = m_cmdView->text() == u"Icons View";
+    m_lstAlarms->SetIconView(toIcons);
+    m_cmdView->setText(toIcons ? QStringLiteral("List View") : QStringLiteral("Icons View"));
+}
+
+void AlarmPanel::lstAlarms_ItemClick(const QString& tag)
+{
+    const int n = TagNumber(tag);
+    if (n < 1 || n > m_main.Alarms().AlarmCount)
+        return;
+    m_main.Alarms().SelectedAlarm = n;
+    SetSelectedAlarm();
+    m_txtMessage->setFocus();
+}
+
+void AlarmPanel::lstAlarms_ColumnClick(int column)
+{
+    m_lstAlarms->SortByColumnFlipped(column);
+    SetSelectedAlarm();
+}
+
+void AlarmPanel::txtMessage_Change()
+{
+    if (!Editing())
+        return;
+    const int n = m_main.Alarms().SelectedAlarm;
+    AlarmRecord& a = m_main.Alarms().At(n);
+    a.Message = m_txtMessage->text();
+    m_lstAlarms->SetRowText(RowTag(n), RowText(a));
+}
+
+void AlarmPanel::optClock_Click()
+{
+    if (!Editing())
+        return;
+    m_main.Alarms().At(m_main.Alarms().SelectedAlarm).TypeTimer = false;
+    m_edtExpire->setFocus();
+}
+
+void AlarmPanel::optTimer_Click()
+{
+    if (!Editing())
+        return;
+    m_main.Alarms().At(m_main.Alarms().SelectedAlarm).TypeTimer = true;
+    m_edtExpire->setFocus();
+}
+
+void AlarmPanel::edtExpire_Change()
+{
+    if (!Editing())
+        return;
+    const int n = m_main.Alarms().SelectedAlarm;
+    AlarmRecord& a = m_main.Alarms().At(n);
+    if (!a.TypeTimer) {
+        a.Expire = TimeText(m_edtExpire->Text());
+        m_lstAlarms->SetRowExpires(RowTag(n), m_edtExpire->Text());
+    } else {
+        a.Interval = TimeText(m_edtExpire->Text());
+        m_main.CalcExpire(m_edtExpire->Text(), n);
+    }
+}
+
+void AlarmPanel::edtExpire_GotFocus()
+{
+    m_cmdSet->setDefault(true);
+}
+
+void AlarmPanel::edtExpire_KeyPress()
+{
+    if (!Editing())
+        return;
+    const int n = m_main.Alarms().SelectedAlarm;
+    AlarmRecord& a = m_main.Alarms().At(n);
+    if (!a.AlarmSet)
+        return;
+    // A new time must be set again: the alarm is unset at once, without a log entry.
+    a.AlarmSet = false;
+    m_cmdSet->setText(QStringLiteral(" Set Alarm"));
+    m_cmdSet->setDefault(true);
+    m_lstAlarms->SetRowStatus(RowTag(n), QStringLiteral("   "));
+}
+
+void AlarmPanel::edtExpire_LostFocus()
+{
+    m_main.SaveAlarms();
+}
+
+void AlarmPanel::chkRepeat_Click()
+{
+    if (!Editing())
+        return;
+    m_main.Alarms().At(m_main.Alarms().SelectedAlarm).Repeat = m_chkRepeat->isChecked() ? 1 : 0;
+    if (!m_chkRepeat->isChecked())
+        m_chkSafety->setChecked(false);
+}
+
+void AlarmPanel::chkSafety_Click()
+{
+    if (!Editing())
+        return;
+    AlarmRecord& a = m_main.Alarms().At(m_main.Alarms().SelectedAlarm);
+    a.Safety = m_chkSafety->isChecked() ? 1 : 0;
+    if (m_chkSafety->isChecked()) {
+        m_cmdCheckIn->setEnabled(true);
+        m_chkRepeat->setChecked(true);
+        m_optTimer->setChecked(true);
+        m_edtExpire->SetText(m_main.Values().DefaultInterval);
+    } else {
+        m_cmdCheckIn->setEnabled(false);
+    }
+    m_main.RefreshAlarmList();
+}
+
+void AlarmPanel::optDefault_Click()
+{
+    if (!Editing())
+        return;
+    m_main.Alarms().At(m_main.Alarms().SelectedAlarm).AudioPath.clear();
+}
+
+void AlarmPanel::optNamed_MouseDown()
+{
+    if (!Editing())
+        return;
+    AlarmRecord& a = m_main.Alarms().At(m_main.Alarms().SelectedAlarm);
+    const QString path = FileDialog::GetOpenFileName(this, QStringLiteral("Alarm"), a.AudioPath,
+                                                     QStringLiteral("Wave (*.Wav *.wav)"));
+    SetNamedSound(path);
+}
+
+void AlarmPanel::SetNamedSound(const QString& path)
+{
+    AlarmRecord& a = m_main.Alarms().At(m_main.Alarms().SelectedAlarm);
+    a.AudioPath = path;
+    if (path.isEmpty()) {
+        m_optDefault->setChecked(true);
+        m_optNamed->setToolTip(QStringLiteral("Default sound will be used"));
+    } else {
+        m_loadingEditor = true;
+        m_optNamed->setChecked(true);
+        m_loadingEditor = false;
+        m_optNamed->setToolTip(path);
+    }
+}
+
+bool AlarmPanel::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_optNamed && event->type() == QEvent::MouseButtonPress && m_optNamed->isEnabled()) {
+        optNamed_MouseDown();
+        return true; // the choice is made by the dialog's answer
+    }
+    return QFrame::eventFilter(watched, event);
 }

@@ -2,23 +2,78 @@
 
 #include <QFrame>
 
+class AlarmListView;
+class QCheckBox;
+class QGroupBox;
+class QLineEdit;
 class QPushButton;
 class QRadioButton;
+class TimeBox;
+class frmMain;
 
-// The alarm panel `picAlarm`. It holds the sound choices of the alarm editor and its close
-// button; the list and the rest of the editor join it with the alarm editor.
+// The alarm panel `picAlarm`: the alarm list and, beside it, the editor of the selected
+// alarm. Every change in the editor is written straight into that alarm's record.
 class AlarmPanel : public QFrame
 {
     Q_OBJECT
 public:
-    explicit AlarmPanel(QWidget* parent = nullptr);
+    explicit AlarmPanel(frmMain& main, QWidget* parent = nullptr);
 
-    QPushButton* CloseButton() const { return m_close; }
+    QPushButton* CloseButton() const { return m_cmdCloseAlarm; }
+    AlarmListView* List() const { return m_lstAlarms; }
     // Enables or disables the two sound choices (the sound switch is off).
     void SetSoundChoicesEnabled(bool enabled);
 
+    // Rebuilds every row from the table; returns the number of set alarms.
+    void RefreshRows();
+    // Selects the row of the selected alarm and fills the editor from its record.
+    void SetSelectedAlarm();
+
+    // Editor events.
+    void cmdNew_Click();
+    void cmdSet_Click();
+    void cmdDelete_Click();
+    void cmdCheckIn_Click();
+    void cmdNote_Click();
+    void cmdView_Click();
+    void lstAlarms_ItemClick(const QString& tag);
+    void lstAlarms_ColumnClick(int column);
+    void txtMessage_Change();
+    void optClock_Click();
+    void optTimer_Click();
+    void edtExpire_Change();
+    void edtExpire_GotFocus();
+    void edtExpire_KeyPress();
+    void edtExpire_LostFocus();
+    void chkRepeat_Click();
+    void chkSafety_Click();
+    void optDefault_Click();
+    void optNamed_MouseDown();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    bool Editing() const;
+    void SetNamedSound(const QString& path);
+
+    frmMain& m_main;
+    bool m_loadingEditor = false;
+    AlarmListView* m_lstAlarms;
+    QLineEdit* m_txtMessage;
+    QRadioButton* m_optClock;
+    QRadioButton* m_optTimer;
+    TimeBox* m_edtExpire;
+    QCheckBox* m_chkRepeat;
+    QCheckBox* m_chkSafety;
+    QPushButton* m_cmdCheckIn;
+    QGroupBox* m_fmeSound;
     QRadioButton* m_optDefault;
     QRadioButton* m_optNamed;
-    QPushButton* m_close;
+    QPushButton* m_cmdSet;
+    QPushButton* m_cmdNew;
+    QPushButton* m_cmdDelete;
+    QPushButton* m_cmdView;
+    QPushButton* m_cmdNote;
+    QPushButton* m_cmdCloseAlarm;
 };

@@ -2,9 +2,11 @@
 #include "shell/frmMain.h"
 
 #include "alarms/AlarmPanel.h"
+#include "alarms/AlarmSound.h"
 #include "calc/CalcPanel.h"
 #include "clock/Clock.h"
 #include "logbook/LogPanel.h"
+#include "platform/WindowFlash.h"
 #include "props/frmClockProps.h"
 #include "shell/ClockPanel.h"
 #include "widgets/Icons.h"
@@ -24,7 +26,10 @@
 frmMain::frmMain(const MainServices& services, QWidget* parent)
     : QWidget(parent), m_clock(services.clock), m_store(services.store), m_locale(services.locale),
       m_soundFolders(services.soundFolders),
-      m_log(std::make_unique<LogBook>(services.logFolder, services.clock, services.locale))
+      m_log(std::make_unique<LogBook>(services.logFolder, services.clock, services.locale)),
+      m_makeSound(services.makeSound ? services.makeSound
+                                     : [](QObject* parent) { return AlarmSound::Create(parent); }),
+      m_flash(services.flash ? services.flash : std::shared_ptr<WindowFlash>(WindowFlash::Create()))
 {
     setObjectName(QStringLiteral("frmMain"));
     setWindowIcon(AppIcon());
@@ -45,7 +50,7 @@ void frmMain::BuildLayout()
 {
     m_picMain = new ClockPanel(this);
     m_picCalc = new CalcPanel(this);
-    m_picAlarm = new AlarmPanel(this);
+    m_picAlarm = new AlarmPanel(*this, this);
     m_picLog = new LogPanel(this);
     m_stsBar = new KeyedStatusBar(this);
     m_stsBar->setObjectName(QStringLiteral("stsBar"));

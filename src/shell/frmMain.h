@@ -8,14 +8,20 @@
 #include <QDate>
 #include <QFont>
 #include <QLocale>
+#include <QPointer>
 #include <QSet>
 #include <QStringList>
 #include <QTimer>
 #include <QWidget>
 
+#include <array>
+#include <functional>
 #include <memory>
 
 class AlarmPanel;
+class AlarmSound;
+class WindowFlash;
+class frmAlarm;
 class CalcPanel;
 class Clock;
 class ClockPanel;
@@ -25,7 +31,8 @@ class SettingsStore;
 class frmClockProps;
 
 // What the main window is given from outside: the clock, the settings store, where the
-// logs live, the locale of dates, and where the program's own sounds are installed.
+// logs live, the locale of dates, where the program's own sounds are installed, and the
+// sound player and window flash of this system (left empty, the system's own are used).
 struct MainServices
 {
     const Clock& clock;
@@ -33,6 +40,8 @@ struct MainServices
     QString logFolder;
     QLocale locale;
     QStringList soundFolders;
+    std::function<std::unique_ptr<AlarmSound>(QObject*)> makeSound = {};
+    std::shared_ptr<WindowFlash> flash = {};
 };
 
 // The main window: the clock panel, the three working panels and the status bar. It owns
@@ -75,6 +84,23 @@ public:
     void WriteLogEntry(const QString& code, qint16 safety, const QString& text1, const QString& text2,
                        const QString& text3);
     void MarkAvailableLogs();
+
+    // Alarm routines shared by the alarm panel, the alarm windows and the note window.
+    QDateTime InternetDateTimeNow() const;
+    void CalcExpire(const QString& etime, int ptr);
+    void DeleteAlarm(int ptr);
+    void SetSelectedAlarm();
+    void ShowAlarmWindow(int n);
+    void StartCheckIn(int n);
+    void RelayoutAlarmWindows();
+    void AlarmWindowClosed(frmAlarm* window);
+    void OpenNote();
+    void FlashMainWindow();
+    std::unique_ptr<AlarmSound> MakeSound(QObject* parent) const;
+    // The default sound file, found as at start-up (an empty text when there is none).
+    QString DefaultSoundFile() const;
+    frmAlarm* AlarmWindow(int n) const;
+    QList<frmAlarm*> OpenAlarmWindows() const;
 
     // Status bar and panels.
     void stsBar_PanelClick(const QString& key);
@@ -143,5 +169,11 @@ private:
     KeyedStatusBar* m_stsBar = nullptr;
     QWidget* m_openPanel = nullptr;
     std::unique_ptr<frmClockProps> m_clockProps;
+    std::function<std::unique_ptr<AlarmSound>(QObject*)> m_makeSound;
+    std::shared_ptr<WindowFlash> m_flash;
+    // The alarm windows by alarm number (slot 1 first), and every open one in the order
+    // they were opened.
+    std::array<QPointer<frmAlarm>, MaxAlarms> m_alarmWindows{};
+    QList<QPointer<frmAlarm>> m_openAlarmWindows;
     QTimer m_tmrMain{this};
 };

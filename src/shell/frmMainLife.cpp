@@ -1,5 +1,6 @@
 // The main window's life: start-up, the tick and the minute's work, the system's notices,
 // the close question and the shutdown.
+#include "alarms/AlarmLogic.h"
 #include "alarms/AlarmPanel.h"
 #include "alarms/SoundFile.h"
 #include "calc/CalcPanel.h"
@@ -101,6 +102,8 @@ bool frmMain::Load()
         step = 18; // step 17: the capacity is MaxAlarms
         LoadAlarms();
         m_alarms.SelectedAlarm = 1;
+        if (m_alarms.AlarmCount > 0)
+            SetSelectedAlarm();
 
         step = 19;
         // Sunrise and sunset need checked coordinates; until they are checked none count.
@@ -185,7 +188,6 @@ void frmMain::tmrMain_Timer()
 
 void frmMain::CheckAlarms(int hour, int minute)
 {
-    Q_UNUSED(hour); // the expiry scan of the alarms compares it
     try {
         const auto handleDayChange = [this] {
             const QDate today = m_clock.Today();
@@ -199,6 +201,26 @@ void frmMain::CheckAlarms(int hour, int minute)
         if (minute == m_lastMinute)
             return;
         m_lastMinute = minute;
+
+        // Every set alarm due this minute goes off, lower numbers first, each with its own
+        // window. The count is read again at each step: a window may change the table.
+        bool expired = false;
+        for (int n = 1; n <= m_alarms.AlarmCount; ++n) {
+            if (!ExpiresAt(m_alarms.At(n), hour, minute))
+                continue;
+            ShowAlarmWindow(n);
+            m_alarms.At(n).Ringing = true;
+            expired = true;
+            const AlarmRecord& a = m_alarms.At(n);
+            WriteLogEntry(QStringLiteral("EA"), a.Safety, QString::fromUtf16(AlarmLogText::Expired),
+                          a.Message, QString());
+        }
+        if (expired) {
+            RelayoutAlarmWindows();
+            RefreshAlarmList();
+            // The ringing alarm's buttons are locked in the editor.
+            SetSelectedAlarm();
+        }
 
         if (minute % 15 == 0)
             SaveAlarms();
@@ -321,6 +343,7 @@ void frmMain::SaveAlarms()
 void frmMain::RefreshAlarmList()
 {
     m_alarms.BlankUnsetExpiries();
+    m_picAlarm->RefreshRows();
     ShowTitle();
     ShowStatus();
     emit AlarmsChanged();

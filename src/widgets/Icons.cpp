@@ -63,3 +63,74 @@ QIcon AppIcon()
     p.drawLine(QPointF(32, 32), QPointF(45, 38));
     return QIcon(pixmap);
 }
+
+QIcon SafetyIcon()
+{
+    QIcon icon;
+    for (int size : {16, 32}) {
+        QPixmap pixmap = Canvas(size);
+        QPainter p(&pixmap);
+        p.setRenderHint(QPainter::Antialiasing);
+        p.scale(size / 32.0, size / 32.0);
+        // A shield with a cross.
+        QPainterPath shield;
+        shield.moveTo(16, 2);
+        shield.lineTo(29, 7);
+        shield.cubicTo(29, 19, 23, 26, 16, 30);
+        shield.cubicTo(9, 26, 3, 19, 3, 7);
+        shield.closeSubpath();
+        p.setPen(QPen(QColor(120, 0, 0), 2));
+        p.setBrush(QColor(220, 30, 30));
+        p.drawPath(shield);
+        p.setPen(Qt::NoPen);
+        p.setBrush(Qt::white);
+        p.drawRect(QRectF(14, 8, 4, 15));
+        p.drawRect(QRectF(8.5, 13.5, 15, 4));
+        p.end();
+        icon.addPixmap(pixmap);
+    }
+    return icon;
+}
+
+QIcon AlarmIcon()
+{
+    QIcon icon;
+    for (int size : {16, 32}) {
+        QPixmap pixmap = Canvas(size);
+        QPainter p(&pixmap);
+        p.setRenderHint(QPainter::Antialiasing);
+        p.scale(size / 32.0, size / 32.0);
+        // An alarm clock.
+        p.setPen(QPen(QColor(30, 30, 30), 2));
+        p.setBrush(QColor(250, 220, 60));
+        p.drawEllipse(QRectF(5, 7, 22, 22));
+        p.setBrush(QColor(30, 30, 30));
+        p.drawEllipse(QRectF(3, 3, 8, 6));
+        p.drawEllipse(QRectF(21, 3, 8, 6));
+        p.drawLine(QPointF(16, 18), QPointF(16, 11));
+        p.drawLine(QPointF(16, 18), QPointF(21, 20));
+        p.end();
+        icon.addPixmap(pixmap);
+    }
+    return icon;
+}
+
+QPixmap BellPicture(bool swung)
+{
+    QPixmap pixmap = Canvas(48);
+    QPainter p(&pixmap);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.translate(24, 6);
+    p.rotate(swung ? 18 : -18);
+    QPainterPath bell;
+    bell.moveTo(0, 0);
+    bell.cubicTo(12, 0, 12, 16, 16, 30);
+    bell.lineTo(-16, 30);
+    bell.cubicTo(-12, 16, -12, 0, 0, 0);
+    p.setPen(QPen(QColor(90, 60, 0), 2));
+    p.setBrush(QColor(250, 200, 40));
+    p.drawPath(bell);
+    p.setBrush(QColor(90, 60, 0));
+    p.drawEllipse(QRectF(-4, 28, 8, 8));
+    return pixmap;
+}

@@ -6,3 +6,8 @@
 QIcon PinIcon(bool pinned);
 QIcon HelpIcon();
 QIcon AppIcon();
+// The alarm list's pictures: a safety check alarm and an ordinary alarm.
+QIcon SafetyIcon();
+QIcon AlarmIcon();
+// The alarm window's two alternating pictures.
+QPixmap BellPicture(bool swung);

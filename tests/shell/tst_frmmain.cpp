@@ -1,7 +1,4 @@
-#include "ManualClock.h"
-#include "TestEnvironment.h"
-#include "settings/SettingsStore.h"
-#include "shell/frmMain.h"
+#include "Desk.h"
 #include "widgets/MessageBox.h"
 #include "widgets/TopMost.h"
 
@@ -18,61 +15,8 @@
 
 namespace {
 
-const QLocale EnUs(QLocale::English, QLocale::UnitedStates);
-const QDate Monday(2026, 11, 16);
-
-// A main window over a fresh folder, a hand-set clock and a prepared settings file.
-struct Desk
-{
-    explicit Desk(const QByteArray& ini = {}, bool withSound = true)
-        : clock(QDateTime(Monday, QTime(10, 0, 17, 250)))
-    {
-        if (!ini.isEmpty())
-            TestEnvironment::WriteFile(env.SettingsFile(), ini);
-        if (withSound)
-            TestEnvironment::WriteFile(QDir(env.ProgramFolder()).filePath(QStringLiteral("DefaultAlarm.Wav")),
-                                       "RIFF");
-        store = std::make_unique<SettingsStore>(env.SettingsFile());
-        window = std::make_unique<frmMain>(
-            MainServices{clock, *store, env.LogFolder(), EnUs, QStringList{env.ProgramFolder()}});
-    }
-
-    template <typename T>
-    T* Find(const QString& name) const
-    {
-        T* child = window->findChild<T*>(name);
-        if (!child)
-            qWarning("no child named %s", qPrintable(name));
-        return child;
-    }
-    QString FaceText(int i) const { return Find<QLabel>(QStringLiteral("lblClock1_%1").arg(i))->text(); }
-    QColor FaceFore(int i) const
-    {
-        return Find<QLabel>(QStringLiteral("lblClock1_%1").arg(i))->palette().color(QPalette::WindowText);
-    }
-    QString Status() const { return Find<QLabel>(QStringLiteral("Status"))->text(); }
-    QByteArray TodaysLog() const { return TestEnvironment::ReadFile(LogPath(clock.Today())); }
-    QString LogPath(QDate day) const
-    {
-        return QDir(env.LogFolder())
-            .filePath(day.toString(QStringLiteral("yyyyMMdd")) + QStringLiteral(".log"));
-    }
-    QString Stored(const QString& key) const
-    {
-        return QSettings(env.SettingsFile(), QSettings::IniFormat).value(key).toString();
-    }
-    void ClickPanel(const QString& key) { QTest::mouseClick(Find<QLabel>(key), Qt::LeftButton); }
-    void Tick(QTime time)
-    {
-        clock.Set(clock.Today(), time);
-        window->tmrMain_Timer();
-    }
-
-    TestEnvironment env;
-    ManualClock clock;
-    std::unique_ptr<SettingsStore> store;
-    std::unique_ptr<frmMain> window;
-};
+const QLocale EnUs = Desk::EnUs;
+const QDate Monday = Desk::Monday;
 
 const QByteArray LogAllEvents = "[General]\nLogOn=1\nLogSafetyOnly=False\n";
 const QByteArray TwoAlarmsOneSet =

@@ -1,0 +1,158 @@
+#include "alarms/AlarmLogic.h"
+
+#include <QRegularExpression>
+
+QString FormatHourMinute(int hour, int minute)
+{
+    return QStringLiteral("%1:%2").arg(hour, 2, 10, QLatin1Char('0')).arg(minute, 2, 10, QLatin1Char('0'));
+}
+
+namespace {
+
+std::optional<QTime> ParseTime(const QString& text)
+{
+    static const QRegularExpression form(QStringLiteral("^\\s*(\\d{1,2}):(\\d{1,2})\\s*$"));
+    const auto match = form.match(text);
+    if (!match.hasMatch())
+        return std::nullopt;
+    const QTime time(match.captured(1).toInt(), match.captured(2).toInt());
+    if (!time.isValid())
+        return std::nullopt;
+    return time;
+}
+
+} // namespace
+
+std::optional<int> IntervalMinutes(const QString& etime)
+{
+    const auto time = ParseTime(etime);
+    if (!time)
+        return std::nullopt;
+    return time->hour() * 60 + time->minute();
+}
+
+std::optional<QString> CalcExpire(const QDateTime& internetNow, const QString& etime)
+{
+    const auto minutes = IntervalMinutes(etime);
+    if (!minutes)
+        return std::nullopt;
+    const QTime expiry = internetNow.addSecs(qint64(*minutes) * 60).time();
+    return FormatHourMinute(expiry.hour(), expiry.minute());
+}
+
+QString TimeText(const QString& boxText)
+{
+    const auto time = ParseTime(boxText);
+    return time ? FormatHourMinute(time->hour(), time->minute()) : boxText;
+}
+
+bool ExpiresAt(const AlarmRecord& alarm, int hour, int minute)
+{
+    static const QRegularExpression form(QStringLiteral("^\\d\\d:\\d\\d$"));
+    if (!alarm.AlarmSet || !form.match(alarm.Expire).hasMatch())
+        return false;
+    return alarm.Expire.left(2).toInt() == hour && alarm.Expire.right(2).toInt() == minute;
+}
+
+QList<int> DueAlarms(const AlarmTable& table, int hour, int minute)
+{
+    QList<int> due;
+    for (int n = 1; n <= table.AlarmCount; ++n)
+        if (ExpiresAt(table.At(n), hour, minute))
+            due.append(n);
+    return due;
+}
+
+std::optional<int> NewAlarm(AlarmTable& table)
+{
+    if (table.AlarmCount + 1 > MaxAlarms)
+        return std::nullopt;
+    const int n = ++table.AlarmCount;
+    AlarmRecord& a = table.At(n);
+    a.TypeTimer = false;
+    a.Message = QStringLiteral("<NEW>");
+    a.Repeat = 0;
+    a.Expire = QStringLiteral("00:00");
+    a.Interval = QStringLiteral("00:00");
+    return n;
+}
+
+void DeleteAlarm(AlarmTable& table, int ptr)
+{
+    for (int i = ptr; i < table.AlarmCount; ++i) {
+        AlarmRecord& to = table.At(i);
+        const AlarmRecord& from = table.At(i + 1);
+        to.AlarmSet = from.AlarmSet;
+        to.Expire = from.Expire;
+        to.Interval = from.Interval;
+        to.Message = from.Message;
+        to.Safety = from.Safety;
+        to.LastPosition = from.LastPosition;
+        to.Repeat = from.Repeat;
+        to.TypeTimer = from.TypeTimer;
+        to.AudioPath = from.AudioPath;
+    }
+    AlarmRecord& last = table.At(table.AlarmCount);
+    last.AlarmSet = false;
+    last.Expire = QStringLiteral("00:00");
+    last.Interval = QStringLiteral("00:00");
+    last.Message.clear();
+    last.LastPosition.clear();
+    last.AudioPath.clear();
+    last.Safety = 0;
+    last.Repeat = 0;
+    last.TypeTimer = false;
+    --table.AlarmCount;
+}
+
+QString RowText(const AlarmRecord& alarm)
+{
+    return QStringLiteral("   ") + alarm.Message;
+}
+
+QString RowStatus(const AlarmRecord& alarm)
+{
+    return alarm.AlarmSet ? QStringLiteral("Set") : QStringLiteral(" ");
+}
+
+QString RowTag(int n)
+{
+    return u' ' + QString::number(n);
+}
+
+int TagNumber(const QString& tag)
+{
+    return tag.trimmed().toInt();
+}
+
+QString ListToolTip(const AlarmRecord& alarm)
+{
+    if (!alarm.AlarmSet)
+        return RowText(alarm) + QStringLiteral(" , alarm not set");
+    return RowText(alarm) + QStringLiteral(" , alarm set to Expire at ") + alarm.Expire;
+}
+
+QString AlarmLogText::ExpiresAt(const QString& expire)
+{
+    return QStringLiteral(", expires at ") + expire;
+}
+
+std::optional<QPoint> AlarmWindowPositionTwips(int k, int w, int h)
+{
+    if (k < 1 || k > 30)
+        return std::nullopt;
+    switch ((k - 1) % 6) {
+    case 0:
+        return QPoint(0, 0);
+    case 1:
+        return QPoint(w * (k - 1), 0);
+    case 2:
+        return QPoint(0, h);
+    case 3:
+        return QPoint(w, h);
+    case 4:
+        return QPoint(0, 2 * h);
+    default:
+        return QPoint(w, 2 * h);
+    }
+}

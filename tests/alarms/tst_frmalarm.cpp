@@ -1,0 +1,281 @@
+#include "Desk.h"
+#include "alarms/AlarmListView.h"
+#include "alarms/frmAlarm.h"
+#include "widgets/MessageBox.h"
+#include "widgets/TopMost.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace {
+
+QByteArray Ini(const QByteArray& alarms)
+{
+    return "[General]\nLogOn=1\nLogSafetyOnly=False\n[Alarms]\n" + alarms;
+}
+
+const QByteArray RetainedTimer =
+    Ini("Count=1\nMessage%201=Pump check\nTypeTimer%201=True\nInterval%201=00:30\n"
+        "Expire%201=10:07\nAlarmSet%201=True\nRepeat%201=1\n");
+const QByteArray RetainedClock = Ini("Count=1\nMessage%201=Wake crew\nExpire%201=07:00\nAlarmSet%201=True\n"
+                                     "Repeat%201=1\n");
+const QByteArray SafetyTimer = Ini("Count=1\nMessage%201=Crew 7\nTypeTimer%201=True\nInterval%201=00:15\n"
+                                   "Expire%201=10:07\nAlarmSet%201=True\nRepeat%201=1\nSafety%201=1\n");
+const QByteArray ThreePlain = Ini("Count=3\nMessage%201=First\nExpire%201=10:07\nAlarmSet%201=True\n"
+                                  "Message%202=Second\nExpire%202=10:07\nAlarmSet%202=True\n"
+                                  "Message%203=Third\nExpire%203=11:00\nAlarmSet%203=True\n");
+
+struct Ringing
+{
+    explicit Ringing(const QByteArray& ini, QTime at = QTime(10, 7, 0)) : desk(ini)
+    {
+        desk.clock.Set(Desk::Monday, at);
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.window->CheckAlarms(at.hour(), at.minute());
+    }
+    frmAlarm* Window(int n) const { return desk.window->AlarmWindow(n); }
+    template <typename T>
+    T* In(int n, const char* name) const
+    {
+        return Window(n)->findChild<T*>(QString::fromLatin1(name));
+    }
+    QString Text(int n, const char* label) const { return In<QLabel>(n, label)->text(); }
+    Desk desk;
+};
+
+} // namespace
+
+class TestFrmAlarm : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init() { MessageBox::SetTestMode(true); }
+    void cleanup() { MessageBox::SetTestMode(false); }
+
+    void expiredWindowShowsTheAlarmOnTop()
+    {
+        Ringing r(ThreePlain);
+        frmAlarm* w = r.Window(1);
+        QVERIFY(w);
+        QVERIFY(w->isVisible());
+        QVERIFY(!w->isModal());
+        QVERIFY(IsTopMost(w));
+        QCOMPARE(w->ExpirePtr(), 1);
+        QCOMPARE(w->CheckIn(), false);
+        QCOMPARE(w->Tag(), QStringLiteral("Alarm1"));
+        QCOMPARE(r.Text(1, "lblCaption"), QStringLiteral("Expired Alarm"));
+        QCOMPARE(r.Text(1, "lblMessage"), QStringLiteral("First"));
+        QCOMPARE(r.Text(1, "lblExpired"), QStringLiteral("Expired on\n10:07"));
+        QVERIFY(r.In<QLineEdit>(1, "txtLocation")->isHidden());
+        QVERIFY(r.In<QPushButton>(1, "cmdReset")->isHidden());
+        QCOMPARE(r.In<QPushButton>(1, "cmdStop")->text(), QStringLiteral("Stop"));
+        QVERIFY(r.In<QPushButton>(1, "cmdStop")->isDefault());
+        QVERIFY(w->FlashTimer().isActive());
+        QCOMPARE(w->FlashTimer().interval(), 2000);
+        QCOMPARE(w->BlinkTimer().interval(), 500);
+    }
+
+    void retainedAlarmsOfferResetAndTerminate()
+    {
+        Ringing clock(RetainedClock, QTime(7, 0));
+        QCOMPARE(clock.In<QPushButton>(1, "cmdReset")->text(), QStringLiteral("Reset to expire at 07:00"));
+        QVERIFY(clock.In<QPushButton>(1, "cmdReset")->isDefault());
+        QCOMPARE(clock.In<QPushButton>(1, "cmdStop")->text(), QStringLiteral("Terminate"));
+        Ringing timer(RetainedTimer);
+        QCOMPARE(timer.In<QPushButton>(1, "cmdReset")->text(),
+                 QStringLiteral("Reset to expire in 00:30 from now"));
+    }
+
+    void safetyAlarmAsksForALocationAndFlashesItsHeadingRed()
+    {
+        Ringing r(SafetyTimer);
+        QCOMPARE(r.Text(1, "lblCaption"), QStringLiteral("Expired Safety Check Alarm"));
+        QVERIFY(!r.In<QLineEdit>(1, "txtLocation")->isHidden());
+        QCOMPARE(r.Text(1, "lblLocation"), QStringLiteral("Safety Check Location / Notes"));
+        auto* caption = r.In<QLabel>(1, "lblCaption");
+        r.Window(1)->Timer1_Timer();
+        QCOMPARE(caption->palette().color(QPalette::Window), QColor(255, 0, 0));
+        QCOMPARE(caption->palette().color(QPalette::WindowText), QColor(Qt::white));
+        r.Window(1)->Timer1_Timer();
+        QCOMPARE(caption->palette().color(QPalette::WindowText), QColor(Qt::black));
+        QVERIFY(caption->palette().color(QPalette::Window) != QColor(255, 0, 0));
+    }
+
+    void picturesBlinkEveryHalfSecond()
+    {
+        Ringing r(ThreePlain);
+        auto* picture0 = r.In<QLabel>(1, "Image1_0");
+        auto* picture1 = r.In<QLabel>(1, "Image1_1");
+        const bool before = picture0->isVisible();
+        r.Window(1)->Timer1_Timer();
+        QCOMPARE(picture0->isVisible(), !before);
+        QCOMPARE(picture1->isVisible(), before);
+        // An ordinary alarm's heading does not flash.
+        QVERIFY(r.In<QLabel>(1, "lblCaption")->palette().color(QPalette::Window) != QColor(255, 0, 0));
+    }
+
+    void everyTwoSecondsTheSoundPlaysAndTheMainWindowFlashes()
+    {
+        Ringing r(ThreePlain);
+        r.desk.plays.clear();
+        r.desk.flash->Flashes = 0;
+        r.Window(1)->tmrFlash_Timer();
+        QCOMPARE(r.desk.plays.size(), 1);
+        QVERIFY(r.desk.plays[0].endsWith(QStringLiteral("/DefaultAlarm.Wav")));
+        QCOMPARE(r.desk.flash->Flashes, 1);
+    }
+
+    void namedSoundIsPlayedInsteadOfTheDefault()
+    {
+        Ringing r(Ini(
+            "Count=1\nMessage%201=Bell\nExpire%201=10:07\nAlarmSet%201=True\nAudioPath%201=/s/bell.wav\n"));
+        r.Window(1)->tmrFlash_Timer();
+        QCOMPARE(r.desk.plays.last(), QStringLiteral("/s/bell.wav"));
+    }
+
+    void withTheSoundSwitchOffNothingPlaysButTheCaptionStillFlashes()
+    {
+        Ringing r("[General]\nAudible=0\n[Alarms]\nCount=1\nMessage%201=Quiet\nExpire%201=10:07\nAlarmSet%"
+                  "201=True\n");
+        r.Window(1)->tmrFlash_Timer();
+        r.Window(1)->tmrFlash_Timer();
+        QCOMPARE(r.desk.plays.size(), 0);
+        QCOMPARE(r.desk.flash->Flashes, 2);
+    }
+
+    void timerResetAtTenSevenExpiresAtTenThirtySeven()
+    {
+        Ringing r(RetainedTimer);
+        QVERIFY(r.desk.window->Alarms().At(1).Ringing);
+        r.Window(1)->cmdReset_Click();
+        const AlarmRecord& a = r.desk.window->Alarms().At(1);
+        QCOMPARE(a.Expire, QStringLiteral("10:37"));
+        QVERIFY(a.AlarmSet);
+        QVERIFY(!a.Ringing);
+        QVERIFY(r.desk.TodaysLog().endsWith(Desk::Line("10:07", "SA", 0, "Alarm acknowleged, reset for ",
+                                                       "Pump check", ", expires at 10:37")));
+        QTRY_VERIFY(!r.Window(1));
+        QVERIFY(r.desk.stops > 0); // the sound is stopped when the window closes
+    }
+
+    void safetyCheckResetLogsTheLocation()
+    {
+        Ringing r(SafetyTimer);
+        r.In<QLineEdit>(1, "txtLocation")->setText(QStringLiteral("Ridge road km 12"));
+        r.Window(1)->cmdReset_Click();
+        QVERIFY(r.desk.TodaysLog().endsWith(Desk::Line("10:07", "SA", 1, "Alarm acknowleged, reset for ",
+                                                       "Crew 7", ", expires at 10:22, Ridge road km 12")));
+        QCOMPARE(r.desk.window->Alarms().At(1).LastPosition, QStringLiteral("10:07 Ridge road km 12"));
+        QCOMPARE(r.desk.window->findChild<AlarmListView*>()->RowByTag(QStringLiteral(" 1")).LastCheck,
+                 QStringLiteral("10:07 Ridge road km 12"));
+    }
+
+    void retainedClockAlarmResetRingsAgainNextDay()
+    {
+        Ringing r(RetainedClock, QTime(7, 0));
+        r.Window(1)->cmdReset_Click();
+        QTRY_VERIFY(!r.Window(1));
+        QCOMPARE(r.desk.window->Alarms().At(1).Expire, QStringLiteral("07:00"));
+        r.desk.window->CheckAlarms(7, 1);
+        r.desk.clock.Set(Desk::Monday.addDays(1), QTime(7, 0));
+        r.desk.window->CheckAlarms(7, 0);
+        QVERIFY(r.Window(1));
+        QVERIFY(r.desk.window->Alarms().At(1).Ringing);
+    }
+
+    void stoppedAlarmIsDeletedAndTheLogNamesTheOneThatTookItsPlace()
+    {
+        Ringing r(ThreePlain);
+        r.Window(1)->cmdStop_Click();
+        QCOMPARE(r.desk.window->Alarms().AlarmCount, 2);
+        QCOMPARE(r.desk.window->Alarms().At(1).Message, QStringLiteral("Second"));
+        QCOMPARE(r.desk.window->findChild<AlarmListView*>()->RowCount(), 2);
+        QVERIFY(r.desk.TodaysLog().endsWith(
+            Desk::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "Second", "")));
+    }
+
+    void stoppingTheLastAlarmLogsAnEmptyRecord()
+    {
+        Ringing r(Ini("Count=1\nMessage%201=Only\nExpire%201=10:07\nAlarmSet%201=True\n"));
+        r.Window(1)->cmdStop_Click();
+        QCOMPARE(r.desk.window->Alarms().AlarmCount, 0);
+        QVERIFY(r.desk.TodaysLog().endsWith(
+            Desk::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "", "")));
+    }
+
+    void terminatedRetainedAlarmStaysUnset()
+    {
+        Ringing r(RetainedTimer);
+        r.Window(1)->cmdStop_Click();
+        const AlarmRecord& a = r.desk.window->Alarms().At(1);
+        QCOMPARE(r.desk.window->Alarms().AlarmCount, 1);
+        QVERIFY(!a.AlarmSet);
+        QVERIFY(!a.Ringing);
+        QVERIFY(r.desk.TodaysLog().endsWith(
+            Desk::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "Pump check", "")));
+    }
+
+    void terminatedSafetyAlarmLogsTheLocation()
+    {
+        Ringing r(SafetyTimer);
+        r.In<QLineEdit>(1, "txtLocation")->setText(QStringLiteral("Base"));
+        r.Window(1)->cmdStop_Click();
+        QVERIFY(r.desk.TodaysLog().endsWith(
+            Desk::Line("10:07", "SA", 1, "Alarm acknowledged, terminated for  ", "Crew 7", ", Base")));
+    }
+
+    void closingTheWindowOtherwiseKeepsTheAlarmRinging()
+    {
+        Ringing r(SafetyTimer);
+        r.In<QLineEdit>(1, "txtLocation")->setText(QStringLiteral("Somewhere"));
+        const int stopsBefore = r.desk.stops;
+        r.Window(1)->close();
+        const AlarmRecord& a = r.desk.window->Alarms().At(1);
+        QVERIFY(a.AlarmSet);
+        QVERIFY(a.Ringing);
+        QCOMPARE(a.LastPosition, QStringLiteral("10:07 Somewhere"));
+        QVERIFY(r.desk.stops > stopsBefore);
+    }
+
+    void checkInWindowIsSilentAndStill()
+    {
+        Desk desk(SafetyTimer);
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.window->StartCheckIn(1);
+        frmAlarm* w = desk.window->AlarmWindow(1);
+        QVERIFY(w && w->CheckIn());
+        QCOMPARE(w->findChild<QLabel*>(QStringLiteral("lblCaption"))->text(),
+                 QStringLiteral("Safety Check In"));
+        QVERIFY(w->findChild<QLabel*>(QStringLiteral("Image1_0"))->isHidden());
+        QVERIFY(w->findChild<QLabel*>(QStringLiteral("Image1_1"))->isHidden());
+        QVERIFY(!w->BlinkTimer().isActive());
+        QVERIFY(!desk.window->Alarms().At(1).AlarmSet);
+        w->tmrFlash_Timer();
+        QCOMPARE(desk.plays.size(), 0);
+        QCOMPARE(desk.flash->Flashes, 0);
+        // Reset re-arms it for a fresh interval from now.
+        desk.clock.Set(Desk::Monday, QTime(9, 50));
+        w->findChild<QLineEdit*>(QStringLiteral("txtLocation"))->setText(QStringLiteral("Camp 2"));
+        w->cmdReset_Click();
+        QCOMPARE(desk.window->Alarms().At(1).Expire, QStringLiteral("10:05"));
+        QVERIFY(desk.window->Alarms().At(1).AlarmSet);
+        QVERIFY(desk.TodaysLog().endsWith(Desk::Line("09:50", "SA", 1, "Alarm acknowleged, reset for ",
+                                                     "Crew 7", ", expires at 10:05, Camp 2")));
+        QCOMPARE(desk.window->Alarms().At(1).LastPosition, QStringLiteral("09:50 Camp 2"));
+    }
+
+    void openWindowsAreLaidOutInAGrid()
+    {
+        Ringing r(ThreePlain);
+        frmAlarm* first = r.Window(1);
+        frmAlarm* second = r.Window(2);
+        QVERIFY(first && second);
+        QCOMPARE(first->pos(), QPoint(0, 0));
+        QCOMPARE(second->pos(), QPoint(first->frameGeometry().width(), 0));
+    }
+};
+
+QTEST_MAIN(TestFrmAlarm)
+#include "tst_frmalarm.moc"

@@ -28,7 +28,7 @@ frmMain::frmMain(const MainServices& services, QWidget* parent)
       m_soundFolders(services.soundFolders),
       m_log(std::make_unique<LogBook>(services.logFolder, services.clock, services.locale)),
       m_makeSound(services.makeSound ? services.makeSound
-                                     : [](QObject* parent) { return AlarmSound::Create(parent); }),
+                                     : [](QObject* owner) { return AlarmSound::Create(owner); }),
       m_flash(services.flash ? services.flash : std::shared_ptr<WindowFlash>(WindowFlash::Create()))
 {
     setObjectName(QStringLiteral("frmMain"));

@@ -10,6 +10,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir -p "$work/program" "$work/config" "$work/runtime" "$out"
 chmod 700 "$work/runtime"
+build=$(cd "$build" && pwd)
 cp "$build/src/tarrowind" "$build/src/DefaultAlarm.Wav" "$work/program/"
 cat >"$work/config/Tarrowind 2.ini" <<'INI'
 [General]
@@ -46,6 +47,7 @@ for _ in \$(seq 1 100); do
 done
 sleep 1
 import -frame -window "\$id" "$out/main-window.png"
+"$build/tools/tw_screenshots" "$out"
 kill -TERM \$pid
 wait \$pid
 INNER

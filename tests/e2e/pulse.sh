@@ -107,6 +107,7 @@ EOF
             return 2
         fi
         if pactl list short sinks 2>/dev/null | grep -q "^[0-9]*[[:space:]]$TW_PULSE_SINK[[:space:]]"; then
+            _tw_pulse_keep_awake
             return 0
         fi
         sleep 0.1
@@ -116,10 +117,36 @@ EOF
     return 2
 }
 
+# A null sink with nothing to play renders in blocks of up to 2 s, and its monitor then
+# delivers nothing for as long: a recording would miss the start of a sound. A stream of
+# silence at a low latency keeps it rendering every 20 ms. Once the block it sleeps in has
+# passed (a probe recording sees its first data), recordings start within about 0.1 s.
+_tw_pulse_keep_awake() {
+    pacat --playback --device="$TW_PULSE_SINK" --latency-msec=20 --raw --format=s16le \
+        --rate=44100 --channels=1 /dev/zero >/dev/null 2>&1 &
+    _tw_pulse_keeper_pid=$!
+    local probe=$TW_PULSE_DIR/probe.raw _ probe_pid
+    parec --device="$TW_PULSE_MONITOR" --latency-msec=20 --raw --format=s16le --rate=44100 \
+        --channels=1 >"$probe" 2>/dev/null &
+    probe_pid=$!
+    for _ in $(seq 1 100); do
+        [ -s "$probe" ] && break
+        kill -0 "$probe_pid" 2>/dev/null || break
+        sleep 0.05
+    done
+    kill -INT "$probe_pid" 2>/dev/null || true
+    wait "$probe_pid" 2>/dev/null || true
+    rm -f "$probe"
+}
+
 pulse_stop() {
     # Safe under set -e: no command here may end the caller.
     if [ -n "${_tw_pulse_rec_pid:-}" ]; then
         pulse_record_stop >/dev/null 2>&1 || true
+    fi
+    if [ -n "${_tw_pulse_keeper_pid:-}" ]; then
+        kill -TERM "$_tw_pulse_keeper_pid" 2>/dev/null || true
+        wait "$_tw_pulse_keeper_pid" 2>/dev/null || true
     fi
     if [ -n "${TW_PULSE_PID:-}" ]; then
         kill -TERM "$TW_PULSE_PID" 2>/dev/null || true
@@ -135,13 +162,8 @@ pulse_stop() {
         rm -rf "$TW_PULSE_DIR"
     fi
     unset PULSE_SERVER PULSE_RUNTIME_PATH PULSE_STATE_PATH PULSE_COOKIE PULSE_CLIENTCONFIG
-    unset TW_PULSE_DIR TW_PULSE_PID TW_PULSE_SINK TW_PULSE_MONITOR _tw_pulse_own_dir
+    unset TW_PULSE_DIR TW_PULSE_PID TW_PULSE_SINK TW_PULSE_MONITOR _tw_pulse_own_dir _tw_pulse_keeper_pid
     return 0
-}
-
-# The number of recording streams the server has.
-_tw_pulse_recordings() {
-    pactl list short source-outputs 2>/dev/null | wc -l
 }
 
 pulse_record_start() {
@@ -154,13 +176,13 @@ pulse_record_start() {
         echo "pulse_record_start: a recording is running already" >&2
         return 1
     fi
-    local before
-    before=$(_tw_pulse_recordings)
+    rm -f "$file"
     parec --device="$TW_PULSE_MONITOR" --latency-msec=20 --file-format=wav \
         --format=s16le --rate=44100 --channels=1 "$file" 2>"$file.log" &
     _tw_pulse_rec_pid=$!
-    # parec takes a moment to connect; what plays before that would not be heard.
-    local _
+    # parec takes a moment to connect; what plays before its first data would not be
+    # heard. Wait for 50 ms of sound data beyond the WAV header.
+    local _ size
     for _ in $(seq 1 100); do
         if ! kill -0 "$_tw_pulse_rec_pid" 2>/dev/null; then
             echo "pulse_record_start: parec ended: $(cat "$file.log")" >&2
@@ -168,8 +190,8 @@ pulse_record_start() {
             _tw_pulse_rec_pid=
             return 1
         fi
-        if [ "$(_tw_pulse_recordings)" -gt "$before" ]; then
-            sleep 0.1
+        size=$(stat -c %s "$file" 2>/dev/null || echo 0)
+        if [ "$size" -ge 4500 ]; then
             return 0
         fi
         sleep 0.05

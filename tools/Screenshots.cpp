@@ -1,0 +1,89 @@
+// Saves screenshots of the program's windows with a fixed date and prepared alarms, for the
+// documentation. Usage: tw_screenshots OUTPUT_FOLDER (run under a display, e.g. xvfb-run).
+#include "alarms/frmAlarm.h"
+#include "clock/Clock.h"
+#include "settings/SettingsStore.h"
+#include "shell/frmMain.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QLineEdit>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <cstdio>
+
+namespace {
+
+class FixedClock final : public Clock
+{
+public:
+    QDateTime Now() const override { return At; }
+    QDateTime At{QDate(2026, 11, 16), QTime(10, 14, 58)};
+};
+
+bool Save(QWidget* widget, const QString& path)
+{
+    QApplication::processEvents();
+    const bool ok = widget->grab().save(path);
+    std::printf("%s %s\n", ok ? "wrote" : "FAILED", qPrintable(path));
+    return ok;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QApplication app(argc, argv);
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: tw_screenshots OUTPUT_FOLDER\n");
+        return 2;
+    }
+    const QDir out(QString::fromLocal8Bit(argv[1]));
+    QTemporaryDir work;
+    const QString ini = QDir(work.path()).filePath(QStringLiteral("Tarrowind 2.ini"));
+    QFile file(ini);
+    if (!file.open(QIODevice::WriteOnly))
+        return 1;
+    file.write("[General]\nZone=4\nLogOn=1\nLogSafetyOnly=False\nUTCRule=0\n"
+               "[Alarms]\nCount=4\n"
+               "Message%201=Convoy 12 departs Ridge depot\nExpire%201=11:30\nAlarmSet%201=True\n"
+               "Message%202=Crew 7 safety check\nTypeTimer%202=True\nInterval%202=00:30\nExpire%202=10:15\n"
+               "AlarmSet%202=True\nRepeat%202=1\nSafety%202=1\nLastPosition%202=09:45 Pass road km 14\n"
+               "Message%203=Shift handover\nExpire%203=14:00\nAlarmSet%203=False\n"
+               "Message%204=Fuel truck due\nTypeTimer%204=True\nInterval%204=01:15\nExpire%204=11:20\n"
+               "AlarmSet%204=True\nRepeat%204=1\n");
+    file.close();
+
+    FixedClock clock;
+    SettingsStore store(ini);
+    const MainServices services{
+        clock,
+        store,
+        QDir(work.path()).filePath(QStringLiteral("Logs")),
+        QLocale(QLocale::English, QLocale::UnitedStates),
+        // the default sound generated beside the program in the build tree
+        {QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../src"))}};
+    frmMain window(services);
+    if (!window.Load())
+        return 1;
+    window.show();
+    if (!QTest::qWaitForWindowExposed(&window))
+        return 1;
+    window.stsBar_PanelClick(QStringLiteral("Alarm"));
+    window.Alarms().SelectedAlarm = 2;
+    window.SetSelectedAlarm();
+    bool ok = Save(&window, out.filePath(QStringLiteral("alarm-panel.png")));
+
+    clock.At = QDateTime(QDate(2026, 11, 16), QTime(10, 15, 0));
+    window.CheckAlarms(10, 15);
+    frmAlarm* alarm = window.AlarmWindow(2);
+    if (!alarm)
+        return 1;
+    alarm->findChild<QLineEdit*>(QStringLiteral("txtLocation"))
+        ->setText(QStringLiteral("Pass road km 19, all well"));
+    alarm->Timer1_Timer(); // the heading's red phase
+    ok = Save(alarm, out.filePath(QStringLiteral("alarm-window-safety.png"))) && ok;
+    window.EndSession();
+    return ok ? 0 : 1;
+}

@@ -40,6 +40,10 @@
 #     PULSE_MIN_RMS (0.01) and a peak of at least PULSE_MIN_PEAK (0.05), and, when MIN_HZ and
 #     MAX_HZ are given, its strongest frequency between them. Returns 1 otherwise, and prints
 #     the measurement either way.
+#
+# The daemon, a stream of silence that keeps the null sink awake and a recording are
+# children of the sourcing shell: call pulse_start directly (not in a subshell), and never
+# use a bare `wait`, which would wait for them too.
 
 PULSE_MIN_RMS=${PULSE_MIN_RMS:-0.01}
 PULSE_MIN_PEAK=${PULSE_MIN_PEAK:-0.05}
@@ -167,7 +171,7 @@ pulse_stop() {
 }
 
 pulse_record_start() {
-    local file=$1
+    local file=${1:-}
     if [ -z "${TW_PULSE_PID:-}" ] || [ -z "$file" ]; then
         echo "pulse_record_start: no server (pulse_start first) or no file" >&2
         return 1
@@ -214,7 +218,7 @@ pulse_record_stop() {
 }
 
 pulse_measure() {
-    local file=$1
+    local file=${1:-}
     [ -s "$file" ] || {
         echo "pulse_measure: no recording $file" >&2
         return 1
@@ -224,7 +228,7 @@ pulse_measure() {
         echo "pulse_measure: sox cannot read $file: $stats" >&2
         return 1
     }
-    # The strongest bin of sox's spectrum (about 11 Hz wide at 44100 Hz).
+    # The strongest band of sox's frequency analysis (about 11 Hz wide at 44100 Hz).
     hz=$(sox "$file" -n stat -freq 2>&1 |
         awk 'NF == 2 && $1 ~ /^[0-9.]+$/ && $2 ~ /^[0-9.]+$/ && $1 > 0 { if ($2 > m) { m = $2; f = $1 } }
              END { if (m > 0) printf "%.0f", f; else print 0 }') || hz=0
@@ -236,12 +240,12 @@ pulse_measure() {
         /^RMS +amplitude/ { gsub(/ /, "", $2); rms = $2 }
         /^Maximum amplitude/ { gsub(/ /, "", $2); max = $2 }
         /^Length \(seconds\)/ { gsub(/ /, "", $2); len = $2 }
-        END { if (max + 0 == 0) { hz = 0; sound = 0 }
+        END { if (max + 0 == 0) { rms = 0; hz = 0; sound = 0 }
               printf "rms=%.4f max=%.4f hz=%s seconds=%.2f sound=%.2f\n", rms, max, hz, len, sound }'
 }
 
 pulse_tone_heard() {
-    local file=$1 min_hz=${2:-} max_hz=${3:-}
+    local file=${1:-} min_hz=${2:-} max_hz=${3:-}
     local measured
     measured=$(pulse_measure "$file") || return 1
     echo "$measured"

@@ -69,6 +69,7 @@ std::optional<int> NewAlarm(AlarmTable& table)
         return std::nullopt;
     const int n = ++table.AlarmCount;
     AlarmRecord& a = table.At(n);
+    a = AlarmRecord{}; // nothing of an earlier alarm in this slot survives
     a.TypeTimer = false;
     a.Message = QStringLiteral("<NEW>");
     a.Repeat = 0;
@@ -79,6 +80,8 @@ std::optional<int> NewAlarm(AlarmTable& table)
 
 void DeleteAlarm(AlarmTable& table, int ptr)
 {
+    if (ptr < 1 || ptr > table.AlarmCount)
+        return;
     for (int i = ptr; i < table.AlarmCount; ++i) {
         AlarmRecord& to = table.At(i);
         const AlarmRecord& from = table.At(i + 1);
@@ -91,6 +94,9 @@ void DeleteAlarm(AlarmTable& table, int ptr)
         to.Repeat = from.Repeat;
         to.TypeTimer = from.TypeTimer;
         to.AudioPath = from.AudioPath;
+        // A ringing alarm keeps ringing where it moves to, so that its window and the
+        // editor's lock follow it.
+        to.Ringing = from.Ringing;
     }
     AlarmRecord& last = table.At(table.AlarmCount);
     last.AlarmSet = false;
@@ -102,6 +108,7 @@ void DeleteAlarm(AlarmTable& table, int ptr)
     last.Safety = 0;
     last.Repeat = 0;
     last.TypeTimer = false;
+    last.Ringing = false;
     --table.AlarmCount;
 }
 

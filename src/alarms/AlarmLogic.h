@@ -35,8 +35,8 @@ QList<int> DueAlarms(const AlarmTable& table, int hour, int minute);
 // Returns its number, or nothing when the table is full (the count stays at 30).
 std::optional<int> NewAlarm(AlarmTable& table);
 
-// Removes alarm `ptr`: later alarms move down one slot (their Ringing flags stay with the
-// slots), the last slot is cleared, the count goes down by one.
+// Removes alarm `ptr`: later alarms move down one slot, each with its Ringing flag, the last
+// slot is cleared, the count goes down by one. A number past the count changes nothing.
 void DeleteAlarm(AlarmTable& table, int ptr);
 
 // The list row of an alarm.

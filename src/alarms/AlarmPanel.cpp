@@ -122,7 +122,8 @@ AlarmPanel::AlarmPanel(frmMain& main, QWidget* parent)
     connect(m_lstAlarms, &AlarmListView::ItemClick, this, &AlarmPanel::lstAlarms_ItemClick);
     connect(m_lstAlarms, &AlarmListView::ItemDoubleClick, this, [this](const QString& tag) {
         lstAlarms_ItemClick(tag);
-        cmdCheckIn_Click();
+        if (m_cmdCheckIn->isEnabled()) // not while the alarm rings
+            cmdCheckIn_Click();
     });
     connect(m_lstAlarms, &AlarmListView::ColumnClick, this, &AlarmPanel::lstAlarms_ColumnClick);
     connect(m_txtMessage, &QLineEdit::textChanged, this, &AlarmPanel::txtMessage_Change);
@@ -145,6 +146,11 @@ AlarmPanel::AlarmPanel(frmMain& main, QWidget* parent)
     connect(m_edtExpire, &TimeBox::GotFocus, this, &AlarmPanel::edtExpire_GotFocus);
     connect(m_edtExpire, &TimeBox::KeyTyped, this, &AlarmPanel::edtExpire_KeyPress);
     connect(m_edtExpire, &TimeBox::LostFocus, this, &AlarmPanel::edtExpire_LostFocus);
+    // Enter in the time box sets the alarm.
+    connect(m_edtExpire, &QLineEdit::returnPressed, this, [this] {
+        if (m_cmdSet->isEnabled())
+            cmdSet_Click();
+    });
     m_optNamed->installEventFilter(this);
 }
 
@@ -156,7 +162,8 @@ void AlarmPanel::SetSoundChoicesEnabled(bool enabled)
 
 bool AlarmPanel::Editing() const
 {
-    return !m_loadingEditor && m_main.Alarms().AlarmCount > 0;
+    const AlarmTable& table = m_main.Alarms();
+    return !m_loadingEditor && table.SelectedAlarm >= 1 && table.SelectedAlarm <= table.AlarmCount;
 }
 
 void AlarmPanel::RefreshRows()
@@ -281,11 +288,7 @@ void AlarmPanel::cmdDelete_Click()
     if (table.AlarmCount == 0)
         return;
     m_main.DeleteAlarm(table.SelectedAlarm);
-    // The selection stays on the same place in the list, or the new last alarm.
-    table.SelectedAlarm = qBound(1, table.SelectedAlarm, qMax(1, table.AlarmCount));
-    if (table.AlarmCount > 0) {
-        SetSelectedAlarm();
-    } else {
+    if (table.AlarmCount == 0) {
         m_loadingEditor = true;
         m_txtMessage->clear();
         m_edtExpire->SetText(QString());

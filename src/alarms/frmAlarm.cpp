@@ -17,8 +17,10 @@
 #include <exception>
 
 frmAlarm::frmAlarm(frmMain& main, int expirePtr, bool checkIn, QWidget* parent)
-    : QWidget(parent, Qt::Window), m_main(main), m_expirePtr(expirePtr), m_checkIn(checkIn),
-      m_lblCaption(new QLabel), m_lblMessage(new QLabel), m_lblExpired(new QLabel),
+    : QWidget(parent,
+              Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint),
+      m_main(main), m_expirePtr(expirePtr), m_checkIn(checkIn), m_lblCaption(new QLabel),
+      m_lblMessage(new QLabel), m_lblExpired(new QLabel),
       m_lblLocation(new QLabel(QStringLiteral("Safety Check Location / Notes"))),
       m_txtLocation(new QLineEdit), m_cmdReset(new QPushButton(QStringLiteral("Reset to expire at 12:23"))),
       m_cmdStop(new QPushButton(QStringLiteral("Stop"))), m_image0(new QLabel), m_image1(new QLabel),
@@ -87,6 +89,13 @@ frmAlarm::frmAlarm(frmMain& main, int expirePtr, bool checkIn, QWidget* parent)
     connect(&m_tmrFlash, &QTimer::timeout, this, &frmAlarm::tmrFlash_Timer);
     connect(m_cmdReset, &QPushButton::clicked, this, &frmAlarm::cmdReset_Click);
     connect(m_cmdStop, &QPushButton::clicked, this, &frmAlarm::cmdStop_Click);
+    // Enter in the location box answers with the default button.
+    connect(m_txtLocation, &QLineEdit::returnPressed, this, [this] {
+        if (m_cmdReset->isVisible())
+            cmdReset_Click();
+        else
+            cmdStop_Click();
+    });
 
     // Both timers run from the start; loading a check-in window stops the blinking.
     m_timer1.start();
@@ -100,7 +109,7 @@ void frmAlarm::LoadWindow()
 {
     const AlarmRecord& a = m_main.Alarms().At(m_expirePtr);
     if (!m_checkIn)
-        m_lblExpired->setText(QStringLiteral("Expired on\n") + a.Expire);
+        m_lblExpired->setText(QString(QStringLiteral("Expired on\r") + a.Expire).replace(u'\r', u'\n'));
     m_txtLocation->setVisible(false);
     m_lblLocation->setVisible(false);
     m_lblCaption->setText(QStringLiteral("Expired Alarm"));
@@ -172,7 +181,9 @@ void frmAlarm::PlaySound()
     try {
         const AlarmRecord& a = m_main.Alarms().At(m_expirePtr);
         const QString file = a.AudioPath.isEmpty() ? m_main.DefaultSoundFile() : a.AudioPath;
-        m_mmcAlarm->Play(file);
+        // A sound is played to its end: a long one is not started again every two seconds.
+        if (!m_mmcAlarm->IsPlaying())
+            m_mmcAlarm->Play(file);
     } catch (const std::exception&) {
         // A sound that cannot be played is not reported here; start-up warns of a missing file.
     }
@@ -205,7 +216,6 @@ void frmAlarm::cmdStop_Click()
         m_tmrFlash.stop();
         AlarmTable& table = m_main.Alarms();
         table.At(m_expirePtr).Ringing = false;
-        const bool safety = table.At(m_expirePtr).Safety == 1;
         if (table.At(m_expirePtr).Repeat == 1)
             table.At(m_expirePtr).AlarmSet = false;
         else
@@ -213,9 +223,9 @@ void frmAlarm::cmdStop_Click()
         // Logged after the delete: a stopped alarm that was removed is logged with the
         // record that moved into its slot.
         const AlarmRecord& now = table.At(m_expirePtr);
-        m_main.WriteLogEntry(QStringLiteral("SA"), now.Safety, QString::fromUtf16(AlarmLogText::Terminated),
-                             now.Message,
-                             safety ? QString(QStringLiteral(", ") + m_txtLocation->text()) : QString());
+        m_main.WriteLogEntry(
+            QStringLiteral("SA"), now.Safety, QString::fromUtf16(AlarmLogText::Terminated), now.Message,
+            now.Safety == 1 ? QString(QStringLiteral(", ") + m_txtLocation->text()) : QString());
     } catch (const std::exception&) {
         // The window still closes.
     }
@@ -226,11 +236,17 @@ void frmAlarm::Answered()
 {
     m_main.RefreshAlarmList();
     m_main.RelayoutAlarmWindows();
+    m_main.RefreshLogView();
     close();
 }
 
 void frmAlarm::closeEvent(QCloseEvent* event)
 {
+    // An expired alarm must be answered: the operator cannot dismiss it from its frame.
+    if (event->spontaneous() && !m_closed && !m_checkIn) {
+        event->ignore();
+        return;
+    }
     if (!m_closed) {
         m_closed = true;
         m_timer1.stop();

@@ -23,6 +23,8 @@ public:
     ~frmAlarm() override;
 
     int ExpirePtr() const { return m_expirePtr; }
+    // The alarm moved to another slot (an earlier alarm was deleted).
+    void SetExpirePtr(int n) { m_expirePtr = n; }
     bool CheckIn() const { return m_checkIn; }
     QString Tag() const { return m_tag; }
     void SetTag(const QString& tag) { m_tag = tag; }

@@ -51,6 +51,7 @@ frmNote::frmNote(frmMain& main, QWidget* parent)
     layout->addLayout(buttons);
 
     connect(m_cmdOK, &QPushButton::clicked, this, &frmNote::cmdOK_Click);
+    connect(m_txtNote, &QLineEdit::returnPressed, this, &frmNote::cmdOK_Click);
     connect(m_cmdCancel, &QPushButton::clicked, this, &frmNote::cmdCancel_Click);
 
     m_edtTime->SetText(m_main.InternetNow());

@@ -46,7 +46,9 @@ void TimeBox::SetText(const QString& text)
 
 void TimeBox::keyPressEvent(QKeyEvent* event)
 {
-    if (!event->text().isEmpty() || event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete)
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (!enter &&
+        (!event->text().isEmpty() || event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete))
         emit KeyTyped();
     QLineEdit::keyPressEvent(event);
 }

@@ -110,9 +110,9 @@ private slots:
         QCOMPARE(table.At(2).LastPosition, QStringLiteral("pos 3"));
         QCOMPARE(table.At(2).Safety, qint16(1));
         QCOMPARE(table.At(3).Message, QStringLiteral("A4"));
-        // The ringing flag stays with its slot.
-        QCOMPARE(table.At(2).Ringing, false);
-        QCOMPARE(table.At(3).Ringing, true);
+        // The ringing flag moves with its alarm.
+        QCOMPARE(table.At(2).Ringing, true);
+        QCOMPARE(table.At(3).Ringing, false);
         const AlarmRecord& cleared = table.At(4);
         QCOMPARE(cleared.AlarmSet, false);
         QCOMPARE(cleared.Expire, QStringLiteral("00:00"));
@@ -123,6 +123,7 @@ private slots:
         QCOMPARE(cleared.Safety, qint16(0));
         QCOMPARE(cleared.Repeat, qint16(0));
         QCOMPARE(cleared.TypeTimer, false);
+        QCOMPARE(cleared.Ringing, false);
 
         // A later new alarm starts from that cleared slot.
         QCOMPARE(NewAlarm(table), 4);
@@ -140,6 +141,32 @@ private slots:
         QCOMPARE(table.AlarmCount, 0);
         QCOMPARE(table.At(1).Message, QString());
         QCOMPARE(table.At(1).AlarmSet, false);
+    }
+
+    void numberPastTheCountDeletesNothing()
+    {
+        AlarmTable table;
+        table.AlarmCount = 2;
+        table.At(1) = SetAlarm(QStringLiteral("One"), QStringLiteral("08:00"));
+        table.At(2) = SetAlarm(QStringLiteral("Two"), QStringLiteral("09:00"));
+        DeleteAlarm(table, 3);
+        DeleteAlarm(table, 0);
+        QCOMPARE(table.AlarmCount, 2);
+        QCOMPARE(table.At(2).Message, QStringLiteral("Two"));
+    }
+
+    void newAlarmStartsCleanEvenInAUsedSlot()
+    {
+        AlarmTable table;
+        table.At(1).Ringing = true;
+        table.At(1).Safety = 1;
+        table.At(1).AlarmSet = true;
+        table.At(1).AudioPath = QStringLiteral("/x.wav");
+        QCOMPARE(NewAlarm(table), 1);
+        QCOMPARE(table.At(1).Ringing, false);
+        QCOMPARE(table.At(1).Safety, qint16(0));
+        QCOMPARE(table.At(1).AlarmSet, false);
+        QCOMPARE(table.At(1).AudioPath, QString());
     }
 
     void thirtyFirstAlarmIsRefused()

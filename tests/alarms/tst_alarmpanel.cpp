@@ -296,7 +296,37 @@ private slots:
             QCOMPARE(p.Button(b)->toolTip(), QStringLiteral("This Alarm is ringing, acknowledge first"));
         }
         p.desk.window->AlarmWindow(n)->cmdStop_Click();
-        QVERIFY(p.Button("cmdNew")->isEnabled());
+        // The stopped alarm was deleted: the editor shows the remaining state, unlocked.
+        QCOMPARE(p.desk.window->Alarms().AlarmCount, 0);
+        p.Add(QStringLiteral("Next"), QStringLiteral("1100"));
+        QVERIFY(p.Button("cmdSet")->isEnabled());
+        QVERIFY(p.Button("cmdDelete")->isEnabled());
+    }
+
+    void enterInTheTimeBoxSetsTheAlarm()
+    {
+        Panel p;
+        p.Add(QStringLiteral("By enter"), QStringLiteral("0815"), false, false);
+        QTest::keyClick(p.Expire(), Qt::Key_Return);
+        QVERIFY(p.Alarm(1).AlarmSet);
+        QCOMPARE(p.Alarm(1).Expire, QStringLiteral("08:15"));
+        QVERIFY(p.desk.TodaysLog().endsWith(
+            Desk::Line("10:00", "SA", 0, "Alarm set for ", "By enter", ", expires at 08:15")));
+    }
+
+    void editorFollowsWhenStopDeletesTheSelectedAlarm()
+    {
+        Panel p;
+        p.Add(QStringLiteral("Keep"), QStringLiteral("1100"));
+        p.Add(QStringLiteral("Rings"), QStringLiteral("1001"));
+        p.desk.window->CheckAlarms(10, 1);
+        p.desk.window->AlarmWindow(2)->cmdStop_Click();
+        QCOMPARE(p.desk.window->Alarms().AlarmCount, 1);
+        QCOMPARE(p.desk.window->Alarms().SelectedAlarm, 1);
+        QCOMPARE(p.Find<QLineEdit>("txtMessage")->text(), QStringLiteral("Keep"));
+        QVERIFY(p.Button("cmdSet")->isEnabled());
+        p.Find<QLineEdit>("txtMessage")->setText(QStringLiteral("Kept"));
+        QCOMPARE(p.Alarm(1).Message, QStringLiteral("Kept"));
     }
 
     void selectingARowFillsTheEditor()

@@ -2,6 +2,8 @@
 #include "alarms/frmAlarm.h"
 #include "widgets/MessageBox.h"
 
+#include <QPushButton>
+
 namespace {
 
 QByteArray Ini(const QByteArray& alarms)
@@ -113,12 +115,47 @@ private slots:
         QCOMPARE(l.OpenWindowAlarms(), QList<int>{1});
     }
 
-    void expiryRefreshesTheListAndStatus()
+    void expirySelectsTheRingingAlarmAndLocksItsButtons()
     {
-        Loaded l(Ini("Count=1\nMessage%201=Convoy\nExpire%201=10:15\nAlarmSet%201=True\n"));
-        l.desk.window->CheckAlarms(10, 15);
-        QCOMPARE(l.desk.Status(), QStringLiteral("1 alarms, 1 set, Logging On, System Clock"));
+        Loaded l(Ini("Count=2\nMessage%201=Other\nExpire%201=11:00\nAlarmSet%201=True\n"
+                     "Message%202=Convoy\nExpire%202=10:15\nAlarmSet%202=True\n"));
         QCOMPARE(l.desk.window->Alarms().SelectedAlarm, 1);
+        l.desk.window->CheckAlarms(10, 15);
+        QCOMPARE(l.desk.window->Alarms().SelectedAlarm, 2);
+        QVERIFY(!l.desk.Find<QPushButton>(QStringLiteral("cmdSet"))->isEnabled());
+        QVERIFY(!l.desk.Find<QPushButton>(QStringLiteral("cmdDelete"))->isEnabled());
+    }
+
+    void restoredClockAlarmRingsAtItsTimeAfterARestart()
+    {
+        Loaded l(Ini("Count=1\nMessage%201=Wake crew\nExpire%201=07:30\nAlarmSet%201=True\n"),
+                 QTime(7, 29, 50));
+        l.desk.Tick(QTime(7, 30, 0));
+        QCOMPARE(l.OpenWindowAlarms(), QList<int>{1});
+    }
+
+    void answeringTheSecondOfTwoWindowsActsOnItsOwnAlarm()
+    {
+        Loaded l(Ini("Count=3\nMessage%201=First\nExpire%201=10:15\nAlarmSet%201=True\n"
+                     "Message%202=Second\nExpire%202=10:15\nAlarmSet%202=True\n"
+                     "Message%203=Third\nExpire%203=11:00\nAlarmSet%203=True\n"));
+        l.desk.window->CheckAlarms(10, 15);
+        frmAlarm* second = l.desk.window->AlarmWindow(2);
+        QVERIFY(second);
+        l.desk.window->AlarmWindow(1)->cmdStop_Click(); // deletes "First"; the others move up
+        QCOMPARE(second->ExpirePtr(), 1);
+        QCOMPARE(second->Tag(), QStringLiteral("Alarm1"));
+        QVERIFY(l.desk.window->Alarms().At(1).Ringing);
+        QVERIFY(!l.desk.window->Alarms().At(2).Ringing);
+        second->cmdStop_Click();
+        QCOMPARE(l.desk.window->Alarms().AlarmCount, 1);
+        QCOMPARE(l.desk.window->Alarms().At(1).Message, QStringLiteral("Third"));
+        QVERIFY(l.desk.window->Alarms().At(1).AlarmSet);
+        // Each stop logs the record that moved into the stopped slot.
+        const QByteArray expected =
+            Desk::Line("10:14", "SA", 0, "Alarm acknowledged, terminated for  ", "Second", "") +
+            Desk::Line("10:14", "SA", 0, "Alarm acknowledged, terminated for  ", "Third", "");
+        QVERIFY(l.LogAfterStart().endsWith(expected));
     }
 };
 

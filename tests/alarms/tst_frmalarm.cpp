@@ -59,7 +59,6 @@ private slots:
         frmAlarm* w = r.Window(1);
         QVERIFY(w);
         QVERIFY(w->isVisible());
-        QVERIFY(!w->isModal());
         QVERIFY(IsTopMost(w));
         QCOMPARE(w->ExpirePtr(), 1);
         QCOMPARE(w->CheckIn(), false);
@@ -124,6 +123,16 @@ private slots:
         QCOMPARE(r.desk.plays.size(), 1);
         QVERIFY(r.desk.plays[0].endsWith(QStringLiteral("/DefaultAlarm.Wav")));
         QCOMPARE(r.desk.flash->Flashes, 1);
+    }
+
+    void aSoundStillPlayingIsNotStartedAgain()
+    {
+        Ringing r(ThreePlain);
+        r.desk.plays.clear();
+        r.Window(1)->tmrFlash_Timer();
+        r.Window(1)->tmrFlash_Timer(); // the fake sound is still playing
+        QCOMPARE(r.desk.plays.size(), 1);
+        QCOMPARE(r.desk.flash->Flashes, 2);
     }
 
     void namedSoundIsPlayedInsteadOfTheDefault()

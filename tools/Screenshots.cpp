@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -55,6 +56,24 @@ int main(int argc, char* argv[])
                "AlarmSet%204=True\nRepeat%204=1\n");
     file.close();
 
+    // A morning's entries in the day's log.
+    QDir().mkpath(QDir(work.path()).filePath(QStringLiteral("Logs")));
+    QFile log(QDir(work.path()).filePath(QStringLiteral("Logs/20261116.log")));
+    if (!log.open(QIODevice::WriteOnly))
+        return 1;
+    log.write("\"11/16/2026\",\"06:58\",\"ST\",0,\"Start program\",\"\",\"\"\r\n"
+              "\"11/16/2026\",\"07:02\",\"SA\",1,\"Alarm set for \",\"Crew 7 safety check\",\", expires at "
+              "07:32\"\r\n"
+              "\"11/16/2026\",\"07:32\",\"EA\",1,\"Alarm Expired for \",\"Crew 7 safety check\",\"\"\r\n"
+              "\"11/16/2026\",\"07:34\",\"SA\",1,\"Alarm acknowleged, reset for \",\"Crew 7 safety check\","
+              "\", expires at 08:04, Pass road km 9\"\r\n"
+              "\"11/16/2026\",\"08:10\",\"NT\",0,\"Convoy 12 departs Ridge depot: \",\"loaded, 4 trucks\",\" "
+              "(08:10)\"\r\n");
+    log.close();
+    QFile older(QDir(work.path()).filePath(QStringLiteral("Logs/20261112.log")));
+    if (older.open(QIODevice::WriteOnly))
+        older.close();
+
     FixedClock clock;
     SettingsStore store(ini);
     const MainServices services{
@@ -84,6 +103,13 @@ int main(int argc, char* argv[])
         ->setText(QStringLiteral("Pass road km 19, all well"));
     alarm->Timer1_Timer(); // the heading's red phase
     ok = Save(alarm, out.filePath(QStringLiteral("alarm-window-safety.png"))) && ok;
+    alarm->cmdReset_Click();
+    QApplication::processEvents();
+
+    // The logbook panel with the day's entries and the calendar open.
+    window.stsBar_PanelClick(QStringLiteral("Log"));
+    window.findChild<QPushButton*>(QStringLiteral("cmdCalendar"))->click();
+    ok = Save(&window, out.filePath(QStringLiteral("logbook-panel.png"))) && ok;
     window.EndSession();
     return ok ? 0 : 1;
 }

@@ -1,43 +1,118 @@
 #include "logbook/LogPanel.h"
 
+#include "shell/frmMain.h"
+#include "widgets/MonthCalendar.h"
+#include "widgets/RtfReader.h"
+
 #include <QCheckBox>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextEdit>
 
-LogPanel::LogPanel(QWidget* parent)
-    : QFrame(parent), m_chkLog(new QCheckBox(QStringLiteral("Enable Logging"))),
-      m_optAll(new QRadioButton(QStringLiteral("All Events"))),
-      m_optSafetyOnly(new QRadioButton(QStringLiteral("Safety  Events Only"))), m_txtDate(new QLabel),
-      m_close(new QPushButton(QStringLiteral("Close")))
+namespace {
+
+template <typename W>
+W* Named(W* widget, const QString& name, const QString& accessible)
+{
+    widget->setObjectName(name);
+    widget->setAccessibleName(accessible);
+    return widget;
+}
+
+// Multiplies every font size of a document, so that the 5-point entries can be read.
+void ScaleFonts(QTextDocument& document, double factor)
+{
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            const QTextFragment fragment = it.fragment();
+            QTextCharFormat format = fragment.charFormat();
+            const double size =
+                format.fontPointSize() > 0 ? format.fontPointSize() : document.defaultFont().pointSizeF();
+            format.setFontPointSize(size * factor);
+            QTextCursor cursor(&document);
+            cursor.setPosition(fragment.position());
+            cursor.setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);
+            cursor.setCharFormat(format);
+        }
+    }
+}
+
+} // namespace
+
+LogPanel::LogPanel(frmMain& main, QWidget* parent)
+    : QFrame(parent), m_main(main),
+      m_calDate(Named(new MonthCalendar(QStringLiteral("Red Dots: available logs  ")),
+                      QStringLiteral("calDate"), QStringLiteral("Red Dots: available logs  "))),
+      m_chkLog(Named(new QCheckBox(QStringLiteral("Enable Logging")), QStringLiteral("chkLog"),
+                     QStringLiteral("Enable Logging"))),
+      m_optAll(Named(new QRadioButton(QStringLiteral("All Events")), QStringLiteral("optAll"),
+                     QStringLiteral("All Events"))),
+      m_optSafetyOnly(Named(new QRadioButton(QStringLiteral("Safety  Events Only")),
+                            QStringLiteral("optSafetyOnly"), QStringLiteral("Safety  Events Only"))),
+      m_cmdReset(Named(new QPushButton(QStringLiteral("Today")), QStringLiteral("cmdReset"),
+                       QStringLiteral("Today"))),
+      m_txtLog(Named(new QTextEdit, QStringLiteral("txtLog"), QStringLiteral("Logbook entries"))),
+      m_cmdPrint(Named(new QPushButton(QStringLiteral("Print")), QStringLiteral("cmdPrint"),
+                       QStringLiteral("Print"))),
+      m_hscDate(Named(new QScrollBar(Qt::Horizontal), QStringLiteral("hscDate"), QStringLiteral("Day"))),
+      m_cmdCalendar(Named(new QPushButton(QStringLiteral("Calendar...")), QStringLiteral("cmdCalendar"),
+                          QStringLiteral("Calendar"))),
+      m_cmdCloseLog(Named(new QPushButton(QStringLiteral("Close")), QStringLiteral("cmdCloseLog"),
+                          QStringLiteral("Close"))),
+      m_txtDate(Named(new QLabel, QStringLiteral("txtDate"), QStringLiteral("txtDate")))
 {
     setObjectName(QStringLiteral("picLog"));
     setAccessibleName(QStringLiteral("picLog"));
     setFrameShape(QFrame::StyledPanel);
-    setMinimumHeight(220);
 
-    m_chkLog->setObjectName(QStringLiteral("chkLog"));
-    m_chkLog->setAccessibleName(QStringLiteral("Enable Logging"));
-    m_optAll->setObjectName(QStringLiteral("optAll"));
-    m_optAll->setAccessibleName(QStringLiteral("All Events"));
-    m_optSafetyOnly->setObjectName(QStringLiteral("optSafetyOnly"));
-    m_optSafetyOnly->setAccessibleName(QStringLiteral("Safety  Events Only"));
-    m_txtDate->setObjectName(QStringLiteral("txtDate"));
-    m_txtDate->setAccessibleName(QStringLiteral("txtDate"));
-    m_close->setObjectName(QStringLiteral("cmdCloseLog"));
-    m_close->setAccessibleName(QStringLiteral("Close"));
-    m_close->setToolTip(QStringLiteral("Close log book"));
+    m_calDate->setToolTip(QStringLiteral("Available Logs in Red"));
+    m_cmdReset->setToolTip(QStringLiteral("View Today's Log"));
+    m_cmdPrint->setToolTip(QStringLiteral("Print the above day's log"));
+    m_cmdCloseLog->setToolTip(QStringLiteral("Close log book"));
+    m_txtLog->setReadOnly(true);
+    m_txtLog->setMinimumHeight(170);
+    m_hscDate->setRange(-365, 365);
+    m_hscDate->setSingleStep(1);
+    m_hscDate->setPageStep(1);
+    m_hscDate->setValue(0);
+    QFont dateFont = m_txtDate->font();
+    dateFont.setBold(true);
+    m_txtDate->setFont(dateFont);
+    m_txtDate->setAlignment(Qt::AlignCenter);
 
     auto* grid = new QGridLayout(this);
-    grid->addWidget(m_txtDate, 0, 0, 1, 3);
-    grid->setRowStretch(1, 1);
-    grid->addWidget(m_chkLog, 2, 0);
-    grid->addWidget(m_optAll, 2, 1);
-    grid->addWidget(m_optSafetyOnly, 2, 2);
-    grid->addWidget(m_close, 2, 3, Qt::AlignRight);
+    grid->addWidget(m_txtDate, 0, 0, 1, 4);
+    grid->addWidget(m_hscDate, 1, 0, 1, 4);
+    grid->addWidget(m_txtLog, 2, 0, 1, 4);
+    auto* switches = new QHBoxLayout;
+    switches->addWidget(m_chkLog);
+    switches->addWidget(m_optAll);
+    switches->addWidget(m_optSafetyOnly);
+    switches->addStretch(1);
+    grid->addLayout(switches, 3, 0, 1, 4);
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(m_cmdReset);
+    buttons->addWidget(m_cmdCalendar);
+    buttons->addWidget(m_cmdPrint);
+    buttons->addStretch(1);
+    buttons->addWidget(m_cmdCloseLog);
+    grid->addLayout(buttons, 4, 0, 1, 4);
+    // The calendar floats over the text when asked for.
+    m_calDate->setParent(this);
+    m_calDate->setVisible(false);
 
     connect(m_chkLog, &QCheckBox::clicked, this, &LogPanel::LogCheckClicked);
+    connect(m_hscDate, &QScrollBar::valueChanged, this, &LogPanel::hscDate_Change);
+    connect(m_cmdReset, &QPushButton::clicked, this, &LogPanel::cmdReset_Click);
+    connect(m_cmdCalendar, &QPushButton::clicked, this, &LogPanel::cmdCalendar_Click);
+    connect(m_calDate, &MonthCalendar::DateClicked, this, &LogPanel::calDate_Click);
+    connect(m_cmdPrint, &QPushButton::clicked, this, &LogPanel::PrintClicked);
 }
 
 void LogPanel::SetSwitches(qint16 logOn, bool safetyOnly)
@@ -72,4 +147,69 @@ void LogPanel::EnableChoicesFromLogCheck()
 void LogPanel::SetDateCaption(const QString& text)
 {
     m_txtDate->setText(text);
+}
+
+void LogPanel::ShowPlainText(const QString& text)
+{
+    m_txtLog->setPlainText(text);
+}
+
+void LogPanel::ShowDocument(const QByteArray& rtf)
+{
+    QFont font = m_txtLog->font();
+    font.setFamily(QStringLiteral("Arial"));
+    m_txtLog->setFont(font);
+    auto* document = new QTextDocument(m_txtLog);
+    document->setDefaultFont(font);
+    ReadRtf(rtf, *document);
+    ScaleFonts(*document, 2.0);
+    m_txtLog->setDocument(document);
+}
+
+void LogPanel::SetPrintEnabled(bool enabled)
+{
+    m_cmdPrint->setEnabled(enabled);
+}
+
+void LogPanel::hscDate_Change(int value)
+{
+    // Putting the bar back to 0 raises this once more with 0, which redraws the same day
+    // a second time.
+    m_main.SetLogBookDate(m_main.LogBookDate().addDays(value));
+    SetDateCaption(m_main.FormatDateLong(m_main.LogBookDate()));
+    m_hscDate->setValue(0);
+    m_main.RefreshLogView();
+}
+
+void LogPanel::cmdReset_Click()
+{
+    m_main.SetLogBookDate(m_main.Today());
+    m_main.RefreshLogView();
+    SetDateCaption(m_main.FormatDateLong(m_main.LogBookDate()));
+}
+
+void LogPanel::cmdCalendar_Click()
+{
+    m_calDate->move(m_calDate->x(), m_txtLog->y());
+    m_calDate->adjustSize();
+    m_calDate->setVisible(true);
+    m_calDate->raise();
+    if (m_cmdCalendar->text() == u"Calendar...") {
+        m_cmdCalendar->setText(QStringLiteral("Close Calendar"));
+        m_calDate->setVisible(true);
+        m_calDate->SetCurrentDay(m_main.LogBookDate());
+    } else {
+        m_cmdCalendar->setText(QStringLiteral("Calendar..."));
+        m_calDate->setVisible(false);
+    }
+}
+
+void LogPanel::calDate_Click(QDate clickedDate)
+{
+    if (!clickedDate.isValid())
+        return;
+    m_main.SetLogBookDate(clickedDate);
+    SetDateCaption(m_main.FormatDateLong(m_main.LogBookDate()));
+    m_main.RefreshLogView();
+    cmdCalendar_Click();
 }

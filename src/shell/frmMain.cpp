@@ -51,7 +51,7 @@ void frmMain::BuildLayout()
     m_picMain = new ClockPanel(this);
     m_picCalc = new CalcPanel(this);
     m_picAlarm = new AlarmPanel(*this, this);
-    m_picLog = new LogPanel(this);
+    m_picLog = new LogPanel(*this, this);
     m_stsBar = new KeyedStatusBar(this);
     m_stsBar->setObjectName(QStringLiteral("stsBar"));
     m_stsBar->AddPanel(QStringLiteral("Calc"), QStringLiteral("Calc"), QStringLiteral("Calculate Times"));
@@ -79,6 +79,7 @@ void frmMain::BuildLayout()
     connect(m_picCalc->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picCalc); });
     connect(m_picAlarm->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picAlarm); });
     connect(m_picLog->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picLog); });
+    connect(m_picLog, &LogPanel::PrintClicked, this, [this] { PrintLog(m_logBookDate); });
     connect(m_picLog, &LogPanel::LogCheckClicked, this, [this] {
         ShowStatus();
         m_picLog->EnableChoicesFromLogCheck();
@@ -239,6 +240,7 @@ void frmMain::stsBar_PanelClick(const QString& key)
                 ClosePanel(m_picLog);
                 return;
             }
+            RefreshLogView();
             OpenPanel(m_picLog);
             m_picLog->EnableChoicesFromLogCheck();
         } else if (key == u"Props") {

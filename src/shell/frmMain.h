@@ -84,6 +84,13 @@ public:
     void WriteLogEntry(const QString& code, qint16 safety, const QString& text1, const QString& text2,
                        const QString& text3);
     void MarkAvailableLogs();
+    // Redraws the logbook view for the day it shows (LogBookDate), through "LogBook.rtf".
+    void RefreshLogView();
+    void SetLogBookDate(QDate day) { m_logBookDate = day; }
+    // Prints a day's log on a printer chosen in "Select Printer".
+    void PrintLog(QDate day);
+    QDate Today() const;
+    QString FormatDateLong(QDate date) const;
 
     // Alarm routines shared by the alarm panel, the alarm windows and the note window.
     QDateTime InternetDateTimeNow() const;
@@ -115,7 +122,7 @@ public:
     bool IsStopped() const { return m_stopped; }
     bool Synchronised() const { return m_synchronised; }
     void SetSynchronised(bool value) { m_synchronised = value; }
-    const QSet<QDate>& MarkedLogDays() const { return m_markedLogDays; }
+    const QSet<QDate>& MarkedLogDays() const;
     QDate LogBookDate() const { return m_logBookDate; }
     ColourValue ForeColour() const { return m_foreColour; }
     const QFont& ClockFont() const { return m_clockFont; }
@@ -138,7 +145,6 @@ private:
     void ClosePanel(QWidget* panel);
     void CloseOpenPanel();
     void ShowSunLine();
-    QString FormatDateLong(QDate date) const;
     frmClockProps& ClockProps();
 
     const Clock& m_clock;
@@ -160,7 +166,6 @@ private:
     QDate m_lastDate;
     int m_lastMinute = -1;
     QDate m_logBookDate;
-    QSet<QDate> m_markedLogDays;
 
     ClockPanel* m_picMain = nullptr;
     CalcPanel* m_picCalc = nullptr;

@@ -30,8 +30,26 @@ void frmMain::CalcExpire(const QString& etime, int ptr)
 
 void frmMain::DeleteAlarm(int ptr)
 {
+    if (ptr < 1 || ptr > m_alarms.AlarmCount)
+        return;
     ::DeleteAlarm(m_alarms, ptr);
+    // The windows of the later alarms follow them down one slot, so that answering one
+    // acts on its own alarm and not on the one that moved into its old slot.
+    for (int n = ptr + 1; n <= MaxAlarms; ++n) {
+        QPointer<frmAlarm>& from = m_alarmWindows.at(std::size_t(n - 1));
+        if (from) {
+            from->SetExpirePtr(n - 1);
+            if (!from->Tag().isEmpty())
+                from->SetTag(QStringLiteral("Alarm") + QString::number(n - 1));
+        }
+        m_alarmWindows.at(std::size_t(n - 2)) = from;
+        from = nullptr;
+    }
+    m_alarms.SelectedAlarm =
+        qBound(1, m_alarms.SelectedAlarm > ptr ? m_alarms.SelectedAlarm - 1 : m_alarms.SelectedAlarm,
+               qMax(1, m_alarms.AlarmCount));
     RefreshAlarmList();
+    SetSelectedAlarm();
 }
 
 void frmMain::SetSelectedAlarm()

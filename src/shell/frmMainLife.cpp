@@ -3,6 +3,7 @@
 #include "alarms/AlarmLogic.h"
 #include "alarms/AlarmPanel.h"
 #include "alarms/SoundFile.h"
+#include "alarms/frmAlarm.h"
 #include "calc/CalcPanel.h"
 #include "clock/Clock.h"
 #include "logbook/LogPanel.h"
@@ -209,19 +210,26 @@ void frmMain::CheckAlarms(int hour, int minute)
             if (!ExpiresAt(m_alarms.At(n), hour, minute))
                 continue;
             ShowAlarmWindow(n);
+            if (m_stopped)
+                return; // the program was ended while a message was open
             m_alarms.At(n).Ringing = true;
             expired = true;
             const AlarmRecord& a = m_alarms.At(n);
             WriteLogEntry(QStringLiteral("EA"), a.Safety, QString::fromUtf16(AlarmLogText::Expired),
                           a.Message, QString());
+            if (m_stopped)
+                return;
         }
         if (expired) {
             RelayoutAlarmWindows();
             RefreshAlarmList();
+            RefreshLogView();
             // The ringing alarm's buttons are locked in the editor.
             SetSelectedAlarm();
         }
 
+        if (m_settings.AutoSync != 0)
+            SyncCheck(1);
         if (minute % 15 == 0)
             SaveAlarms();
         handleDayChange();
@@ -235,6 +243,7 @@ void frmMain::NewDay()
 {
     m_log->CloseTodaysLog();
     OpenTodaysLog();
+    RefreshLogView();
 }
 
 bool frmMain::SysInfo1_QuerySuspend()
@@ -317,14 +326,19 @@ void frmMain::StopProgram()
     SaveAlarms();
     m_log->CloseTodaysLog();
 
-    // From here on nothing may keep the program alive: close every other window, the last
-    // opened first.
+    // From here on nothing may keep the program alive: close every other window, the
+    // alarm windows last opened first.
+    const QList<frmAlarm*> alarmWindows = OpenAlarmWindows();
+    for (auto it = alarmWindows.crbegin(); it != alarmWindows.crend(); ++it)
+        (*it)->close();
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (auto it = windows.crbegin(); it != windows.crend(); ++it) {
         QWidget* window = *it;
         if (window != this && window->isVisible())
             window->close();
     }
+    // Closing a safety alarm's window records the location typed in it: keep it.
+    SaveAlarms();
 }
 
 void frmMain::LoadAlarms()
@@ -362,12 +376,6 @@ void frmMain::WriteLogEntry(const QString& code, qint16 safety, const QString& t
         m_log->WriteLogEntry(code, safety, text1, text2, text3, InternetNow(), m_picLog->Switches());
     if (error)
         MessageBox::Notice(this, *error);
-}
-
-void frmMain::MarkAvailableLogs()
-{
-    const QList<QDate> days = m_log->AvailableLogDates();
-    m_markedLogDays = QSet<QDate>(days.cbegin(), days.cend());
 }
 
 void frmMain::changeEvent(QEvent* event)

@@ -1,0 +1,101 @@
+// Measures the logbook: redrawing a day of 10,000 entries in the viewer, and marking the
+// days of ten years of log files (3,650) on the calendar. Prints the median and the worst
+// of several runs. Usage: bench_logbook [RUNS]   (run under a display or offscreen)
+#include "clock/Clock.h"
+#include "logbook/LogBook.h"
+#include "settings/SettingsStore.h"
+#include "shell/frmMain.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+
+namespace {
+
+class FixedClock final : public Clock
+{
+public:
+    QDateTime Now() const override { return QDateTime(QDate(2026, 11, 16), QTime(12, 0)); }
+};
+
+struct Figures
+{
+    double Median;
+    double Worst;
+};
+
+Figures Measure(int runs, const std::function<void()>& work)
+{
+    QList<double> ms;
+    for (int i = 0; i < runs; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        work();
+        ms << double(timer.nsecsElapsed()) / 1e6;
+    }
+    std::sort(ms.begin(), ms.end());
+    return {ms[ms.size() / 2], ms.last()};
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QApplication app(argc, argv);
+    const int runs = argc > 1 ? std::max(1, std::atoi(argv[1])) : 7;
+    QTemporaryDir work;
+    QDir::setCurrent(work.path());
+    const QString logs = QDir(work.path()).filePath(QStringLiteral("Logs"));
+    QDir().mkpath(logs);
+    const QLocale locale(QLocale::English, QLocale::UnitedStates);
+
+    // Ten years of day files, and one day with 10,000 entries.
+    const QDate first(2016, 11, 17);
+    for (int d = 0; d < 3650; ++d) {
+        QFile file(QDir(logs).filePath(LogFileName(first.addDays(d))));
+        if (!file.open(QIODevice::WriteOnly))
+            return 1;
+    }
+    const QDate busyDay(2026, 11, 15);
+    QFile busy(QDir(logs).filePath(LogFileName(busyDay)));
+    if (!busy.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return 1;
+    for (int i = 0; i < 10000; ++i) {
+        const LogEntry entry{busyDay,
+                             QTime(0, 0).addSecs(i * 8).toString(QStringLiteral("HH:mm")),
+                             QStringLiteral("SA"),
+                             1,
+                             QStringLiteral("Alarm acknowleged, reset for "),
+                             QStringLiteral("Crew %1 safety check").arg(i % 40),
+                             QStringLiteral(", expires at 10:15, Pass road km %1").arg(i % 90)};
+        busy.write(FormatLogLine(entry, locale));
+    }
+    busy.close();
+
+    FixedClock clock;
+    SettingsStore store(QDir(work.path()).filePath(QStringLiteral("bench.ini")));
+    const MainServices services{
+        clock,
+        store,
+        logs,
+        locale,
+        {QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../src"))}};
+    frmMain window(services);
+    if (!window.Load())
+        return 1;
+    window.SetLogBookDate(busyDay);
+
+    const Figures redraw = Measure(runs, [&] { window.RefreshLogView(); });
+    const Figures mark = Measure(runs, [&] { window.MarkAvailableLogs(); });
+    std::printf("redraw_10000_entries_ms median=%.1f worst=%.1f\n", redraw.Median, redraw.Worst);
+    std::printf("mark_3650_days_ms median=%.1f worst=%.1f\n", mark.Median, mark.Worst);
+    std::printf("marked_days=%lld\n", static_cast<long long>(window.MarkedLogDays().size()));
+    window.EndSession();
+    return 0;
+}

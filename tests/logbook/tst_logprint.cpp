@@ -1,0 +1,140 @@
+#include "Desk.h"
+#include "logbook/LogPrinter.h"
+#include "logbook/frmPrinterSetup.h"
+#include "widgets/MessageBox.h"
+
+#include <QComboBox>
+#include <QPrinter>
+#include <QProcess>
+#include <QStandardPaths>
+
+namespace {
+
+// The text of a PDF, page by page (pdftotext separates pages by form feeds).
+QStringList PdfPages(const QString& pdf)
+{
+    QProcess process;
+    process.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
+    if (!process.waitForFinished(30000))
+        return {};
+    QStringList pages = QString::fromUtf8(process.readAllStandardOutput()).split(u'\f');
+    if (!pages.isEmpty() && pages.last().trimmed().isEmpty())
+        pages.removeLast();
+    return pages;
+}
+
+QByteArray DayWithEntries(int count)
+{
+    QByteArray log;
+    for (int i = 0; i < count; ++i)
+        log += Desk::Line(qPrintable(QTime(8, 0).addSecs(60 * i).toString(QStringLiteral("HH:mm"))), "NT", 0,
+                          "Entry: ", qPrintable(QString::number(i + 1)), " (x)");
+    return log;
+}
+
+struct Printing
+{
+    explicit Printing(const QByteArray& log)
+    {
+        TestEnvironment::WriteFile(desk.LogPath(Desk::Monday), log);
+        QVERIFY(desk.window->Load());
+        pdf = QDir(desk.env.Root()).filePath(QStringLiteral("printed.pdf"));
+        LogPrinter::SetTestOutputFile(pdf);
+    }
+    ~Printing() { LogPrinter::SetTestOutputFile(QString()); }
+    Desk desk{"[General]\nLogOn=1\nLogSafetyOnly=False\n"};
+    QString pdf;
+};
+
+} // namespace
+
+class TestLogPrint : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase()
+    {
+        if (QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty())
+            QFAIL("pdftotext is missing (scripts/deps installs poppler-utils)");
+    }
+    void init()
+    {
+        MessageBox::SetTestMode(true);
+        frmPrinterSetup::SetTestMode(true);
+    }
+    void cleanup()
+    {
+        MessageBox::SetTestMode(false);
+        frmPrinterSetup::SetTestMode(false);
+    }
+
+    void pageHasTheHeadingAndTheEntryLines()
+    {
+        Printing p(DayWithEntries(3));
+        p.desk.window->PrintLog(Desk::Monday);
+        const QStringList pages = PdfPages(p.pdf);
+        QCOMPARE(pages.size(), 1);
+        const QString page = pages[0];
+        QVERIFY2(page.contains(QStringLiteral("Tarrowind Logbook")), qPrintable(page));
+        QVERIFY(page.contains(QStringLiteral("Entries for: Monday, November 16, 2026")));
+        QVERIFY(page.contains(QStringLiteral("Page: 1")));
+        QVERIFY(page.contains(QString(136, u'-')));
+        QVERIFY(page.contains(QStringLiteral("08:00--Entry: 1 (x)")));
+        QVERIFY(page.contains(QStringLiteral("08:02--Entry: 3 (x)")));
+        QVERIFY(MessageBox::Shown().isEmpty());
+    }
+
+    void fiftySixEntriesStartASecondPageWithOnlyTheHeading()
+    {
+        Printing p(DayWithEntries(56));
+        p.desk.window->PrintLog(Desk::Monday);
+        const QStringList pages = PdfPages(p.pdf);
+        QCOMPARE(pages.size(), 2);
+        QVERIFY(pages[0].contains(QStringLiteral("Entry: 56 (x)")));
+        QVERIFY(pages[1].contains(QStringLiteral("Page: 2")));
+        QVERIFY(pages[1].contains(QStringLiteral("Tarrowind Logbook")));
+        QVERIFY(!pages[1].contains(QStringLiteral("Entry:")));
+    }
+
+    void fiftySevenEntriesPutOneOnThePageTwo()
+    {
+        Printing p(DayWithEntries(57));
+        p.desk.window->PrintLog(Desk::Monday);
+        const QStringList pages = PdfPages(p.pdf);
+        QCOMPARE(pages.size(), 2);
+        QVERIFY(pages[1].contains(QStringLiteral("08:56--Entry: 57 (x)")));
+        QVERIFY(!pages[1].contains(QStringLiteral("Entry: 56 ")));
+    }
+
+    void cancelPrintsNothingAndLeavesTodaysLogOpen()
+    {
+        Printing p(DayWithEntries(3));
+        frmPrinterSetup::SetNextAnswer(QString());
+        p.desk.window->PrintLog(p.desk.clock.Today());
+        QVERIFY(!QFileInfo::exists(p.pdf));
+        QVERIFY(p.desk.window->Log().IsTodaysLogOpen());
+    }
+
+    void printingTodayReopensTodaysLog()
+    {
+        Printing p(DayWithEntries(3));
+        p.desk.window->PrintLog(p.desk.clock.Today());
+        QVERIFY(QFileInfo::exists(p.pdf));
+        QVERIFY(p.desk.window->Log().IsTodaysLogOpen());
+        QVERIFY(PdfPages(p.pdf).value(0).contains(QStringLiteral("08:00--Entry: 1 (x)")));
+    }
+
+    void printerSetupListsPrintersWithDriverAndPort()
+    {
+        frmPrinterSetup dialog;
+        QCOMPARE(dialog.windowTitle(), QStringLiteral("Select Printer"));
+        QCOMPARE(dialog.Printers()->toolTip(), QStringLiteral("Printers Available"));
+        QVERIFY(!dialog.canceled);
+        QCOMPARE(dialog.ChosenPrinter(), QString()); // no row chosen: the system's printer
+        dialog.cmdCancel_Click();
+        QVERIFY(dialog.canceled);
+    }
+};
+
+QTEST_MAIN(TestLogPrint)
+#include "tst_logprint.moc"

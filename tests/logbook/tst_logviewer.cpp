@@ -1,0 +1,190 @@
+#include "Desk.h"
+#include "logbook/LogPanel.h"
+#include "widgets/MessageBox.h"
+#include "widgets/MonthCalendar.h"
+
+#include <QCheckBox>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTextEdit>
+
+namespace {
+
+const QByteArray LogAll = "[General]\nLogOn=1\nLogSafetyOnly=False\n";
+
+QByteArray Fixture(const char* name)
+{
+    QFile file(QStringLiteral(TW_TEST_DATA "/logbook/") + QString::fromLatin1(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// A loaded main window whose clock reads 17 November, with the prepared log of the 16th.
+struct Viewer
+{
+    explicit Viewer(const QByteArray& ini = LogAll) : desk(ini)
+    {
+        desk.clock.Set(Desk::Monday.addDays(1), QTime(9, 0));
+        TestEnvironment::WriteFile(desk.LogPath(Desk::Monday), Fixture("20261116.log"));
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.ClickPanel(QStringLiteral("Log"));
+    }
+    QString Text() const { return desk.Find<QTextEdit>(QStringLiteral("txtLog"))->toPlainText(); }
+    QPushButton* Button(const char* name) const { return desk.Find<QPushButton>(QString::fromLatin1(name)); }
+    QScrollBar* Bar() const { return desk.Find<QScrollBar>(QStringLiteral("hscDate")); }
+    QString DateCaption() const { return desk.Find<QLabel>(QStringLiteral("txtDate"))->text(); }
+    Desk desk;
+};
+
+} // namespace
+
+class TestLogViewer : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init() { MessageBox::SetTestMode(true); }
+    void cleanup() { MessageBox::SetTestMode(false); }
+
+    void controlsCarryTheirCaptions()
+    {
+        Viewer v;
+        QCOMPARE(v.Button("cmdReset")->text(), QStringLiteral("Today"));
+        QCOMPARE(v.Button("cmdReset")->toolTip(), QStringLiteral("View Today's Log"));
+        QCOMPARE(v.Button("cmdPrint")->toolTip(), QStringLiteral("Print the above day's log"));
+        QCOMPARE(v.Button("cmdCalendar")->text(), QStringLiteral("Calendar..."));
+        QCOMPARE(v.desk.Find<QWidget>(QStringLiteral("calDate"))->toolTip(),
+                 QStringLiteral("Available Logs in Red"));
+        QCOMPARE(v.Bar()->minimum(), -365);
+        QCOMPARE(v.Bar()->maximum(), 365);
+        QCOMPARE(v.Bar()->value(), 0);
+    }
+
+    void stepsBackToADayAndShowsItsEntries()
+    {
+        Viewer v;
+        QVERIFY(!v.Text().contains(QStringLiteral("08:05--"))); // today is shown first
+        v.Bar()->setValue(-1);
+        QCOMPARE(v.Bar()->value(), 0); // the bar goes back to rest
+        QCOMPARE(v.desk.window->LogBookDate(), Desk::Monday);
+        QCOMPARE(v.DateCaption(), QStringLiteral("Monday, November 16, 2026"));
+        const QStringList lines = v.Text().split(u'\n');
+        QVERIFY2(lines.contains(QStringLiteral("08:00--Start program")), qPrintable(v.Text()));
+        QVERIFY(lines.contains(QStringLiteral("08:05--Alarm set for Crew 7, expires at 08:20")));
+        QVERIFY(lines.contains(QStringLiteral("08:20--Alarm Expired for Crew 7")));
+        QVERIFY(lines.contains(QStringLiteral("08:30--Tea: kettle on (08:30)")));
+        // Braces and backslashes of an entry go into the document unescaped and are read
+        // as rich text: the group's text stays, the control word "\road" is dropped.
+        QVERIFY(v.Text().contains(
+            QStringLiteral("08:21--Alarm acknowleged, reset for Crew 7, expires at 08:36, Ridge km 4 C:")));
+        QVERIFY(v.Button("cmdPrint")->isEnabled());
+    }
+
+    void documentIsWrittenByteForByteInTheCurrentDirectory()
+    {
+        Viewer v;
+        v.Bar()->setValue(-1);
+        QCOMPARE(
+            TestEnvironment::ReadFile(QDir(v.desk.env.WorkFolder()).filePath(QStringLiteral("LogBook.rtf"))),
+            Fixture("LogBook-20261116.rtf"));
+    }
+
+    void dayWithoutAFileIsNotAvailableAndCannotBePrinted()
+    {
+        Viewer v;
+        v.Bar()->setValue(-5);
+        QCOMPARE(v.Text(), QStringLiteral("Log not available for this date"));
+        QVERIFY(!v.Button("cmdPrint")->isEnabled());
+        v.Bar()->setValue(4);
+        QCOMPARE(v.desk.window->LogBookDate(), Desk::Monday);
+        QVERIFY(v.Button("cmdPrint")->isEnabled());
+    }
+
+    void todayButtonReturnsToToday()
+    {
+        Viewer v;
+        v.Bar()->setValue(-3);
+        QTest::mouseClick(v.Button("cmdReset"), Qt::LeftButton);
+        QCOMPARE(v.desk.window->LogBookDate(), Desk::Monday.addDays(1));
+        QCOMPARE(v.DateCaption(), QStringLiteral("Tuesday, November 17, 2026"));
+    }
+
+    void entryOfAnotherDayIsNotShownButItsDayIsMarked()
+    {
+        Viewer v;
+        v.Bar()->setValue(-1);
+        QVERIFY(!v.Text().contains(QStringLiteral("written late")));
+        QVERIFY(v.desk.window->MarkedLogDays().contains(QDate(2026, 11, 15)));
+        QVERIFY(v.desk.window->MarkedLogDays().contains(Desk::Monday));
+    }
+
+    void calendarOpensOnTheShownDayAndAClickShowsThatDay()
+    {
+        Viewer v;
+        QTest::mouseClick(v.Button("cmdCalendar"), Qt::LeftButton);
+        auto* calendar = v.desk.Find<MonthCalendar>(QStringLiteral("calDate"));
+        QVERIFY(calendar->isVisible());
+        QCOMPARE(v.Button("cmdCalendar")->text(), QStringLiteral("Close Calendar"));
+        QCOMPARE(calendar->CurrentDay(), Desk::Monday.addDays(1));
+        emit calendar->DateClicked(Desk::Monday);
+        QCOMPARE(v.desk.window->LogBookDate(), Desk::Monday);
+        QVERIFY(v.Text().contains(QStringLiteral("08:05--Alarm set for Crew 7")));
+        QVERIFY(!calendar->isVisible());
+        QCOMPARE(v.Button("cmdCalendar")->text(), QStringLiteral("Calendar..."));
+    }
+
+    void daysWithLogsAreMarkedAtStartUp()
+    {
+        Viewer v;
+        auto* calendar = v.desk.Find<MonthCalendar>(QStringLiteral("calDate"));
+        QVERIFY(calendar->IsMarked(Desk::Monday));
+        QVERIFY(calendar->IsMarked(Desk::Monday.addDays(1))); // today's file, opened at start-up
+        QVERIFY(!calendar->IsMarked(Desk::Monday.addDays(-3)));
+    }
+
+    void todaysLogStaysOpenAfterViewingToday()
+    {
+        Viewer v;
+        QVERIFY(v.desk.window->Log().IsTodaysLogOpen());
+        v.desk.window->WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("x: "), QStringLiteral("y"),
+                                     QString());
+        v.desk.window->RefreshLogView();
+        QVERIFY(v.Text().contains(QStringLiteral("09:00--x: y")));
+        QVERIFY(v.desk.window->Log().IsTodaysLogOpen());
+    }
+
+    void viewingTodayWhileItsFileIsMissingLeavesTheLogClosed()
+    {
+        Viewer v;
+        QFile::remove(v.desk.LogPath(v.desk.clock.Today()));
+        v.desk.window->RefreshLogView();
+        QCOMPARE(v.Text(), QStringLiteral("Log not available for this date"));
+        QVERIFY(!v.desk.window->Log().IsTodaysLogOpen());
+        v.desk.window->WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("x"), QString(), QString());
+        QVERIFY(
+            MessageBox::Shown().last().Text.startsWith(QStringLiteral("Error writing to the logbook\r\r")));
+    }
+
+    void documentThatCannotBeWrittenIsReported()
+    {
+        Viewer v;
+        QDir work(v.desk.env.WorkFolder());
+        QVERIFY(work.remove(QStringLiteral("LogBook.rtf"))); // written when the panel opened
+        QVERIFY(work.mkdir(QStringLiteral("LogBook.rtf")));  // a folder in its way
+        MessageBox::ClearShown();
+        v.Bar()->setValue(-1);
+        QVERIFY(!MessageBox::Shown().isEmpty());
+        QVERIFY(MessageBox::Shown().last().Text.startsWith(QStringLiteral("Error refreshing logbook\r\r")));
+        QVERIFY(v.desk.window->Log().IsTodaysLogOpen());
+    }
+
+    void loggingSwitchShowsInTheStatusBar()
+    {
+        Viewer v;
+        QTest::mouseClick(v.desk.Find<QCheckBox>(QStringLiteral("chkLog")), Qt::LeftButton);
+        QCOMPARE(v.desk.Status(), QStringLiteral("0 alarms, 0 set, Logging Off, System Clock"));
+        QVERIFY(!v.desk.Find<QWidget>(QStringLiteral("optAll"))->isEnabled());
+    }
+};
+
+QTEST_MAIN(TestLogViewer)
+#include "tst_logviewer.moc"

@@ -11,8 +11,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollBar>
-#include <QTextBlock>
-#include <QTextCursor>
 #include <QTextEdit>
 
 namespace {
@@ -23,24 +21,6 @@ W* Named(W* widget, const QString& name, const QString& accessible)
     widget->setObjectName(name);
     widget->setAccessibleName(accessible);
     return widget;
-}
-
-// Multiplies every font size of a document, so that the 5-point entries can be read.
-void ScaleFonts(QTextDocument& document, double factor)
-{
-    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
-        for (auto it = block.begin(); !it.atEnd(); ++it) {
-            const QTextFragment fragment = it.fragment();
-            QTextCharFormat format = fragment.charFormat();
-            const double size =
-                format.fontPointSize() > 0 ? format.fontPointSize() : document.defaultFont().pointSizeF();
-            format.setFontPointSize(size * factor);
-            QTextCursor cursor(&document);
-            cursor.setPosition(fragment.position());
-            cursor.setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);
-            cursor.setCharFormat(format);
-        }
-    }
 }
 
 } // namespace
@@ -161,8 +141,7 @@ void LogPanel::ShowDocument(const QByteArray& rtf)
     m_txtLog->setFont(font);
     auto* document = new QTextDocument(m_txtLog);
     document->setDefaultFont(font);
-    ReadRtf(rtf, *document);
-    ScaleFonts(*document, 2.0);
+    ReadRtf(rtf, *document, 2.0);
     m_txtLog->setDocument(document);
 }
 

@@ -52,8 +52,8 @@ struct FontDef
 class RtfParser
 {
 public:
-    RtfParser(const QByteArray& rtf, QTextDocument& document)
-        : m_data(rtf), m_document(document), m_cursor(&document),
+    RtfParser(const QByteArray& rtf, QTextDocument& document, double sizeFactor)
+        : m_sizeFactor(sizeFactor), m_data(rtf), m_document(document), m_cursor(&document),
           m_general(SystemFamily(QFontDatabase::GeneralFont, QStringLiteral("Sans Serif"))),
           m_fixed(SystemFamily(QFontDatabase::FixedFont, QStringLiteral("Monospace")))
     {}
@@ -82,6 +82,7 @@ public:
     }
 
 private:
+    double m_sizeFactor;
     bool Skipping() const { return m_overflow > 0 || m_state.dest == Dest::Skip; }
     // Whether this token is one of the fallback characters after \u.
     bool SkipFallback()
@@ -410,7 +411,7 @@ private:
         QTextCharFormat format;
         format.setFontFamilies(font.families);
         format.setFontStyleHint(font.hint);
-        format.setFontPointSize(m_state.halfPoints / 2.0);
+        format.setFontPointSize(m_state.halfPoints / 2.0 * m_sizeFactor);
         format.setFontWeight(m_state.bold ? QFont::Bold : QFont::Normal);
         format.setFontItalic(m_state.italic);
         format.setFontUnderline(m_state.underline);
@@ -449,7 +450,7 @@ private:
 
 } // namespace
 
-void ReadRtf(const QByteArray& rtf, QTextDocument& document)
+void ReadRtf(const QByteArray& rtf, QTextDocument& document, double sizeFactor)
 {
     const bool undo = document.isUndoRedoEnabled();
     document.setUndoRedoEnabled(false);
@@ -457,7 +458,7 @@ void ReadRtf(const QByteArray& rtf, QTextDocument& document)
     QTextCursor editing(&document);
     editing.beginEditBlock();
     try {
-        RtfParser(rtf, document).Run();
+        RtfParser(rtf, document, std::clamp(sizeFactor, 0.1, 10.0)).Run();
     } catch (...) {
         // Out of memory: the document keeps what was read.
     }

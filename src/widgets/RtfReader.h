@@ -37,7 +37,10 @@ class QTextDocument;
 // linearly with the input; groups deeper than 256 are skipped with their content; reading
 // stops at the brace that closes the outermost group and a brace that closes nothing is
 // ignored. The document's undo history is cleared and it is left unmodified.
-void ReadRtf(const QByteArray& rtf, QTextDocument& document);
+//
+// `sizeFactor` multiplies every font size, for a view that shows a document larger than
+// it was written (kept between 0.1 and 10).
+void ReadRtf(const QByteArray& rtf, QTextDocument& document, double sizeFactor = 1.0);
 
 // The largest file LoadRtfFile reads.
 inline constexpr qint64 kMaxRtfFileSize = 16 * 1024 * 1024;

@@ -5,6 +5,7 @@
 #include "shell/frmMain.h"
 #include "widgets/FileDialog.h"
 #include "widgets/MessageBox.h"
+#include "widgets/Named.h"
 #include "widgets/TimeBox.h"
 
 #include <QCheckBox>
@@ -21,14 +22,6 @@
 #include <exception>
 
 namespace {
-
-template <typename W>
-W* Named(W* widget, const QString& name, const QString& accessible)
-{
-    widget->setObjectName(name);
-    widget->setAccessibleName(accessible);
-    return widget;
-}
 
 const QString RingingTip = QStringLiteral("This Alarm is ringing, acknowledge first");
 

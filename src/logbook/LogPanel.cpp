@@ -2,6 +2,7 @@
 
 #include "shell/frmMain.h"
 #include "widgets/MonthCalendar.h"
+#include "widgets/Named.h"
 #include "widgets/RtfReader.h"
 
 #include <QCheckBox>
@@ -12,18 +13,6 @@
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QTextEdit>
-
-namespace {
-
-template <typename W>
-W* Named(W* widget, const QString& name, const QString& accessible)
-{
-    widget->setObjectName(name);
-    widget->setAccessibleName(accessible);
-    return widget;
-}
-
-} // namespace
 
 LogPanel::LogPanel(frmMain& main, QWidget* parent)
     : QFrame(parent), m_main(main),

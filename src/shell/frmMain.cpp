@@ -9,6 +9,7 @@
 #include "platform/WindowFlash.h"
 #include "props/frmClockProps.h"
 #include "shell/ClockPanel.h"
+#include "sun/SolarEvents.h"
 #include "widgets/Icons.h"
 #include "widgets/KeyedStatusBar.h"
 #include "widgets/TopMost.h"
@@ -21,6 +22,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <cstdlib>
 #include <exception>
 
 frmMain::frmMain(const MainServices& services, QWidget* parent)
@@ -196,7 +198,20 @@ void frmMain::ShowStatus()
 void frmMain::ShowSunLine()
 {
     // Sunrise and sunset need valid coordinates; a latitude of 0 degrees counts as none.
-    m_picCalc->SetSunLine(QStringLiteral("Sunrise/Sunset\r(no coordinates)"));
+    if (m_settings.LatDeg.toDouble() == 0 || !m_coordinatesValid) {
+        m_picCalc->SetSunLine(QStringLiteral("Sunrise/Sunset\r(no coordinates)"));
+        return;
+    }
+    // Hours west of Greenwich of the local zone, one less in daylight time.
+    QComboBox* zones = ClockProps().TimeZoneList();
+    const int offset = zones->itemData(qBound(0, int(m_settings.Zone), ZoneCount - 1)).toInt();
+    const int zoneHours = std::abs(offset) - (m_settings.DayLight != 0 ? 1 : 0);
+    const SunTimes times = ComputeSunTimes(
+        qint16(m_settings.LatDeg.toInt()), qint16(m_settings.LatMin.toInt()), QStringLiteral("N"),
+        qint16(m_settings.LongDeg.toInt()), qint16(m_settings.LongMin.toInt()), QStringLiteral("W"),
+        qint16(zoneHours), m_clock.Today());
+    m_picCalc->SetSunLine(QStringLiteral("Sunrise: ") + times.Rise + QStringLiteral("\rSunset:  ") +
+                          times.Set);
 }
 
 void frmMain::OpenPanel(QWidget* panel)

@@ -8,6 +8,7 @@
 #include "clock/Clock.h"
 #include "logbook/LogPanel.h"
 #include "settings/SettingsStore.h"
+#include "sun/SolarEvents.h"
 #include "shell/ClockPanel.h"
 #include "shell/frmMain.h"
 #include "widgets/MessageBox.h"
@@ -107,8 +108,9 @@ bool frmMain::Load()
             SetSelectedAlarm();
 
         step = 19;
-        // Sunrise and sunset need checked coordinates; until they are checked none count.
-        m_coordinatesValid = false;
+        m_coordinatesValid = ValidateCoordinates(m_settings.LatDeg, m_settings.LatMin, m_settings.LongDeg,
+                                                 m_settings.LongMin)
+                                 .isEmpty();
 
         step = 20;
         MarkAvailableLogs();

@@ -554,6 +554,37 @@ private slots:
                  QStringLiteral("Sunrise/Sunset\n(no coordinates)"));
     }
 
+    void sunLineShowsTodaysSunriseAndSunsetForValidCoordinates()
+    {
+        // Chicago, Central Standard Time.
+        Desk desk("[General]\nZone=3\n[Sun]\nLatDeg=41\nLatMin=52\nLongDeg=087\nLongMin=38\n");
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.ClickPanel(QStringLiteral("Calc"));
+        QCOMPARE(desk.Find<QLabel>(QStringLiteral("lblSun"))->text(),
+                 QStringLiteral("Sunrise: 06:41\nSunset:  16:29"));
+    }
+
+    void sunLineUsesDaylightTimeAnHourAhead()
+    {
+        Desk desk("[General]\nZone=3\nDayLight=1\n[Sun]\nLatDeg=41\nLatMin=52\nLongDeg=087\nLongMin=38\n");
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.ClickPanel(QStringLiteral("Calc"));
+        QCOMPARE(desk.Find<QLabel>(QStringLiteral("lblSun"))->text(),
+                 QStringLiteral("Sunrise: 07:41\nSunset:  17:29"));
+    }
+
+    void invalidCoordinatesShowNoSunTimes()
+    {
+        Desk desk("[Sun]\nLatDeg=10\nLatMin=00\nLongDeg=087\nLongMin=38\n");
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.ClickPanel(QStringLiteral("Calc"));
+        QCOMPARE(desk.Find<QLabel>(QStringLiteral("lblSun"))->text(),
+                 QStringLiteral("Sunrise/Sunset\n(no coordinates)"));
+    }
+
     void stayOnTopToggles()
     {
         Desk desk;

@@ -8,9 +8,9 @@
 #include "clock/Clock.h"
 #include "logbook/LogPanel.h"
 #include "settings/SettingsStore.h"
-#include "sun/SolarEvents.h"
 #include "shell/ClockPanel.h"
 #include "shell/frmMain.h"
+#include "sun/SolarEvents.h"
 #include "widgets/MessageBox.h"
 
 #include <QApplication>
@@ -108,9 +108,9 @@ bool frmMain::Load()
             SetSelectedAlarm();
 
         step = 19;
-        m_coordinatesValid = ValidateCoordinates(m_settings.LatDeg, m_settings.LatMin, m_settings.LongDeg,
-                                                 m_settings.LongMin)
-                                 .isEmpty();
+        m_coordinatesValid =
+            ValidateCoordinates(m_settings.LatDeg, m_settings.LatMin, m_settings.LongDeg, m_settings.LongMin)
+                .isEmpty();
 
         step = 20;
         MarkAvailableLogs();

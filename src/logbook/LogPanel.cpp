@@ -128,10 +128,10 @@ void LogPanel::ShowDocument(const QByteArray& rtf)
     QFont font = m_txtLog->font();
     font.setFamily(QStringLiteral("Arial"));
     m_txtLog->setFont(font);
-    auto* document = new QTextDocument(m_txtLog);
+    // The viewer keeps its one document: reading replaces its content.
+    QTextDocument* document = m_txtLog->document();
     document->setDefaultFont(font);
     ReadRtf(rtf, *document, 2.0);
-    m_txtLog->setDocument(document);
 }
 
 void LogPanel::SetPrintEnabled(bool enabled)

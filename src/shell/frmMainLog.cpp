@@ -78,11 +78,8 @@ void frmMain::RefreshLogView()
             throw RedrawError{int(document.error()), document.errorString()};
         document.close();
         m_log->CloseDayLog();
-
-        QFile written(QStringLiteral("LogBook.rtf"));
-        if (!written.open(QIODevice::ReadOnly))
-            throw RedrawError{int(written.error()), written.errorString()};
-        m_picLog->ShowDocument(written.readAll());
+        // The viewer shows the document just written, from the same bytes.
+        m_picLog->ShowDocument(text);
         if (today)
             OpenTodaysLog();
     } catch (const RedrawError& error) {

@@ -99,6 +99,17 @@ private slots:
         QVERIFY(v.Button("cmdPrint")->isEnabled());
     }
 
+    void redrawsReuseTheViewersDocument()
+    {
+        Viewer v;
+        auto* text = v.desk.Find<QTextEdit>(QStringLiteral("txtLog"));
+        QTextDocument* document = text->document();
+        for (int i = 0; i < 5; ++i)
+            v.desk.window->RefreshLogView();
+        QCOMPARE(text->document(), document);
+        QCOMPARE(text->findChildren<QTextDocument*>().size(), 1);
+    }
+
     void todayButtonReturnsToToday()
     {
         Viewer v;

@@ -28,7 +28,6 @@ public:
     bool CheckIn() const { return m_checkIn; }
     QString Tag() const { return m_tag; }
     void SetTag(const QString& tag) { m_tag = tag; }
-    bool BlinkPhase() const { return m_blinkPhase; }
 
     void Timer1_Timer();
     void tmrFlash_Timer();

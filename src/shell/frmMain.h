@@ -129,10 +129,6 @@ public:
     // Milliseconds from `now` to the next .000 or .500 of a second.
     static int MsecToNextHalfSecond(const QTime& now);
 
-signals:
-    // The alarm count or the set count changed.
-    void AlarmsChanged();
-
 protected:
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;

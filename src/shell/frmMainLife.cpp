@@ -362,7 +362,6 @@ void frmMain::RefreshAlarmList()
     m_picAlarm->RefreshRows();
     ShowTitle();
     ShowStatus();
-    emit AlarmsChanged();
 }
 
 void frmMain::OpenTodaysLog()

@@ -64,7 +64,10 @@ QIcon AppIcon()
     return QIcon(pixmap);
 }
 
-QIcon SafetyIcon()
+namespace {
+
+// An icon at 16 and 32 pixels, drawn by `draw` on a 32-unit canvas.
+QIcon TwoSizeIcon(void (*draw)(QPainter&))
 {
     QIcon icon;
     for (int size : {16, 32}) {
@@ -72,46 +75,55 @@ QIcon SafetyIcon()
         QPainter p(&pixmap);
         p.setRenderHint(QPainter::Antialiasing);
         p.scale(size / 32.0, size / 32.0);
-        // A shield with a cross.
-        QPainterPath shield;
-        shield.moveTo(16, 2);
-        shield.lineTo(29, 7);
-        shield.cubicTo(29, 19, 23, 26, 16, 30);
-        shield.cubicTo(9, 26, 3, 19, 3, 7);
-        shield.closeSubpath();
-        p.setPen(QPen(QColor(120, 0, 0), 2));
-        p.setBrush(QColor(220, 30, 30));
-        p.drawPath(shield);
-        p.setPen(Qt::NoPen);
-        p.setBrush(Qt::white);
-        p.drawRect(QRectF(14, 8, 4, 15));
-        p.drawRect(QRectF(8.5, 13.5, 15, 4));
+        draw(p);
         p.end();
         icon.addPixmap(pixmap);
     }
     return icon;
 }
 
+void DrawShield(QPainter& p)
+{
+    // A shield with a cross.
+    QPainterPath shield;
+    shield.moveTo(16, 2);
+    shield.lineTo(29, 7);
+    shield.cubicTo(29, 19, 23, 26, 16, 30);
+    shield.cubicTo(9, 26, 3, 19, 3, 7);
+    shield.closeSubpath();
+    p.setPen(QPen(QColor(120, 0, 0), 2));
+    p.setBrush(QColor(220, 30, 30));
+    p.drawPath(shield);
+    p.setPen(Qt::NoPen);
+    p.setBrush(Qt::white);
+    p.drawRect(QRectF(14, 8, 4, 15));
+    p.drawRect(QRectF(8.5, 13.5, 15, 4));
+}
+
+void DrawAlarmClock(QPainter& p)
+{
+    p.setPen(QPen(QColor(30, 30, 30), 2));
+    p.setBrush(QColor(250, 220, 60));
+    p.drawEllipse(QRectF(5, 7, 22, 22));
+    p.setBrush(QColor(30, 30, 30));
+    p.drawEllipse(QRectF(3, 3, 8, 6));
+    p.drawEllipse(QRectF(21, 3, 8, 6));
+    p.drawLine(QPointF(16, 18), QPointF(16, 11));
+    p.drawLine(QPointF(16, 18), QPointF(21, 20));
+}
+
+} // namespace
+
+// The list's pictures are drawn once: every rebuild of the list uses them for every row.
+QIcon SafetyIcon()
+{
+    static const QIcon icon = TwoSizeIcon(DrawShield);
+    return icon;
+}
+
 QIcon AlarmIcon()
 {
-    QIcon icon;
-    for (int size : {16, 32}) {
-        QPixmap pixmap = Canvas(size);
-        QPainter p(&pixmap);
-        p.setRenderHint(QPainter::Antialiasing);
-        p.scale(size / 32.0, size / 32.0);
-        // An alarm clock.
-        p.setPen(QPen(QColor(30, 30, 30), 2));
-        p.setBrush(QColor(250, 220, 60));
-        p.drawEllipse(QRectF(5, 7, 22, 22));
-        p.setBrush(QColor(30, 30, 30));
-        p.drawEllipse(QRectF(3, 3, 8, 6));
-        p.drawEllipse(QRectF(21, 3, 8, 6));
-        p.drawLine(QPointF(16, 18), QPointF(16, 11));
-        p.drawLine(QPointF(16, 18), QPointF(21, 20));
-        p.end();
-        icon.addPixmap(pixmap);
-    }
+    static const QIcon icon = TwoSizeIcon(DrawAlarmClock);
     return icon;
 }
 

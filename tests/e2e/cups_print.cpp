@@ -39,12 +39,8 @@ private slots:
 
     void fiftySevenEntriesArePrintedWithoutAnError()
     {
-        QByteArray log;
-        for (int i = 0; i < 57; ++i)
-            log += Desk::Line(qPrintable(QTime(8, 0).addSecs(60 * i).toString(QStringLiteral("HH:mm"))), "NT",
-                              0, "Entry: ", qPrintable(QString::number(i + 1)), " (x)");
         Desk desk{"[General]\nLogOn=1\nLogSafetyOnly=False\n"};
-        TestEnvironment::WriteFile(desk.LogPath(Desk::Monday), log);
+        TestEnvironment::WriteFile(desk.LogPath(Desk::Monday), Desk::NotesFromEight(57));
         QVERIFY(desk.window->Load());
 
         frmPrinterSetup::SetNextAnswer(m_queue);

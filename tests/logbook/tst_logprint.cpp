@@ -23,15 +23,6 @@ QStringList PdfPages(const QString& pdf)
     return pages;
 }
 
-QByteArray DayWithEntries(int count)
-{
-    QByteArray log;
-    for (int i = 0; i < count; ++i)
-        log += Desk::Line(qPrintable(QTime(8, 0).addSecs(60 * i).toString(QStringLiteral("HH:mm"))), "NT", 0,
-                          "Entry: ", qPrintable(QString::number(i + 1)), " (x)");
-    return log;
-}
-
 struct Printing
 {
     explicit Printing(const QByteArray& log)
@@ -70,7 +61,7 @@ private slots:
 
     void pageHasTheHeadingAndTheEntryLines()
     {
-        Printing p(DayWithEntries(3));
+        Printing p(Desk::NotesFromEight(3));
         p.desk.window->PrintLog(Desk::Monday);
         const QStringList pages = PdfPages(p.pdf);
         QCOMPARE(pages.size(), 1);
@@ -86,7 +77,7 @@ private slots:
 
     void fiftySixEntriesStartASecondPageWithOnlyTheHeading()
     {
-        Printing p(DayWithEntries(56));
+        Printing p(Desk::NotesFromEight(56));
         p.desk.window->PrintLog(Desk::Monday);
         const QStringList pages = PdfPages(p.pdf);
         QCOMPARE(pages.size(), 2);
@@ -98,7 +89,7 @@ private slots:
 
     void fiftySevenEntriesPutOneOnThePageTwo()
     {
-        Printing p(DayWithEntries(57));
+        Printing p(Desk::NotesFromEight(57));
         p.desk.window->PrintLog(Desk::Monday);
         const QStringList pages = PdfPages(p.pdf);
         QCOMPARE(pages.size(), 2);
@@ -108,7 +99,7 @@ private slots:
 
     void cancelPrintsNothingAndLeavesTodaysLogOpen()
     {
-        Printing p(DayWithEntries(3));
+        Printing p(Desk::NotesFromEight(3));
         frmPrinterSetup::SetNextAnswer(QString());
         p.desk.window->PrintLog(p.desk.clock.Today());
         QVERIFY(!QFileInfo::exists(p.pdf));
@@ -117,11 +108,25 @@ private slots:
 
     void printingTodayReopensTodaysLog()
     {
-        Printing p(DayWithEntries(3));
+        Printing p(Desk::NotesFromEight(3));
         p.desk.window->PrintLog(p.desk.clock.Today());
         QVERIFY(QFileInfo::exists(p.pdf));
         QVERIFY(p.desk.window->Log().IsTodaysLogOpen());
         QVERIFY(PdfPages(p.pdf).value(0).contains(QStringLiteral("08:00--Entry: 1 (x)")));
+    }
+
+    void printerThatCannotStartIsReportedAndTodaysLogReopened()
+    {
+        Printing p(Desk::NotesFromEight(3));
+        // A folder where the output file should be: the printer cannot start.
+        QVERIFY(QDir().mkpath(p.pdf));
+        p.desk.window->PrintLog(p.desk.clock.Today());
+        const auto shown = MessageBox::Shown();
+        QCOMPARE(shown.size(), 1);
+        QCOMPARE(shown[0].Text,
+                 QStringLiteral("Error printing logbook\r\r482 - The printer could not start printing"));
+        QCOMPARE(shown[0].Title, QStringLiteral("Tarrowind"));
+        QVERIFY(p.desk.window->Log().IsTodaysLogOpen());
     }
 
     void printerSetupListsPrintersWithDriverAndPort()

@@ -107,6 +107,16 @@ struct Desk
                QByteArray::number(safety) + ",\"" + text1 + "\",\"" + text2 + "\",\"" + text3 + "\"\r\n";
     }
 
+    // A day's log of `count` notes, one a minute from 08:00: "08:00--Entry: 1 (x)" and so on.
+    static QByteArray NotesFromEight(int count)
+    {
+        QByteArray log;
+        for (int i = 0; i < count; ++i)
+            log += Line(qPrintable(QTime(8, 0).addSecs(60 * i).toString(QStringLiteral("HH:mm"))), "NT", 0,
+                        "Entry: ", qPrintable(QString::number(i + 1)), " (x)");
+        return log;
+    }
+
     TestEnvironment env;
     ManualClock clock;
     std::shared_ptr<FakeFlash> flash;

@@ -92,7 +92,7 @@ void frmPrinterSetup::cmdCancel_Click()
     reject();
 }
 
-bool frmPrinterSetup::Ask(QWidget* parent, QString& printer)
+bool frmPrinterSetup::Ask(QWidget* parent, QString& printer, const QString& preselect)
 {
     if (Test().On) {
         if (Test().Answers.isEmpty()) {
@@ -103,6 +103,8 @@ bool frmPrinterSetup::Ask(QWidget* parent, QString& printer)
         return !printer.isEmpty();
     }
     frmPrinterSetup dialog(parent);
+    if (!preselect.isEmpty())
+        dialog.m_cmbPrinters->setCurrentIndex(dialog.m_cmbPrinters->findText(preselect));
     dialog.exec();
     printer = dialog.ChosenPrinter();
     return !dialog.canceled;

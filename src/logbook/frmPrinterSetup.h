@@ -20,9 +20,10 @@ public:
     void cmdOK_Click();
     void cmdCancel_Click();
 
-    // Shows the dialog modally. In test mode nothing is shown: the queued answer is taken
-    // (a printer name, or an empty text for "Cancel"; with none queued, OK with no choice).
-    static bool Ask(QWidget* parent, QString& printer);
+    // Shows the dialog modally, with `preselect` chosen when it names a printer. In test mode
+    // nothing is shown: the queued answer is taken (a printer name, or an empty text for
+    // "Cancel"; with none queued, OK with no choice).
+    static bool Ask(QWidget* parent, QString& printer, const QString& preselect = {});
     static void SetTestMode(bool on);
     static void SetNextAnswer(const QString& printerOrEmptyForCancel);
 

@@ -1,0 +1,28 @@
+#include "sun/BuildSunTable.h"
+
+#include "logbook/frmPrinterSetup.h"
+#include "sun/SunTablePrinter.h"
+#include "widgets/MessageBox.h"
+
+#include <QApplication>
+#include <QPrinter>
+
+QString BuildSunTable(QWidget* parent, const SunTablePlace& place, const QString& mode,
+                      const QString& preselect)
+{
+    if (mode == u"View")
+        return WriteSunTable(place, SunTableFile);
+
+    QString printerName;
+    if (!frmPrinterSetup::Ask(parent, printerName, preselect) || printerName.isEmpty())
+        return {}; // no printer chosen: nothing is printed
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const SunTablePrintout table = SunTablePrintLines(place);
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setPrinterName(printerName);
+    const bool printed = SunTablePrinter::Print(printer, table);
+    QApplication::restoreOverrideCursor();
+    if (!printed)
+        MessageBox::Notice(parent, QStringLiteral("Printer Error - Check Printer"));
+    return {};
+}

@@ -5,8 +5,11 @@
 #include "widgets/PrintDialog.h"
 #include "widgets/RtfReader.h"
 
+#include <QFontMetricsF>
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QTextBlock>
+#include <QTextCursor>
 #include <QTextEdit>
 #include <QVBoxLayout>
 
@@ -22,7 +25,9 @@ frmView::frmView(const SunTablePlace& place, QWidget* parent)
     font.setFamily(QStringLiteral("Arial"));
     m_rtfTable->setFont(font);
     m_rtfTable->document()->setDefaultFont(font);
-    if (!LoadRtfFile(SunTableFile, *m_rtfTable->document(), &m_loadError))
+    if (LoadRtfFile(SunTableFile, *m_rtfTable->document(), &m_loadError, DisplayFactor))
+        LineUpColumns();
+    else
         m_rtfTable->setPlainText(m_loadError);
 
     auto* print =
@@ -40,6 +45,20 @@ frmView::frmView(const SunTablePlace& place, QWidget* parent)
 
     connect(print, &QPushButton::clicked, this, &frmView::cmdPrint_Click);
     connect(close, &QPushButton::clicked, this, &frmView::cmdClose_Click);
+}
+
+void frmView::LineUpColumns()
+{
+    // The document asks for a tab every 5000 twips (3.5 inches), which would spread a row
+    // over two screen widths. The viewer puts a tab stop every column of the underlined
+    // heading instead ("Date     Rise     Set ..."), so the rows stand under their words.
+    QTextDocument* document = m_rtfTable->document();
+    const QTextBlock heading = document->findBlockByNumber(4);
+    const QFont headingFont = heading.isValid() ? heading.charFormat().font() : m_rtfTable->font();
+    QTextOption option = document->defaultTextOption();
+    option.setTabStopDistance(QFontMetricsF(headingFont).horizontalAdvance(QStringLiteral("Date     ")));
+    document->setDefaultTextOption(option);
+    m_rtfTable->moveCursor(QTextCursor::Start);
 }
 
 void frmView::cmdPrint_Click()

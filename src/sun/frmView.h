@@ -20,6 +20,10 @@ public:
     QString LoadError() const { return m_loadError; }
 
 private:
+    // The rows are written at 5 points: the viewer shows the document twice its size.
+    static constexpr double DisplayFactor = 2.0;
+    void LineUpColumns();
+
     SunTablePlace m_place;
     QTextEdit* m_rtfTable;
     QString m_loadError;

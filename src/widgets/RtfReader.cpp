@@ -467,7 +467,7 @@ void ReadRtf(const QByteArray& rtf, QTextDocument& document, double sizeFactor)
     document.setModified(false);
 }
 
-bool LoadRtfFile(const QString& path, QTextDocument& document, QString* error)
+bool LoadRtfFile(const QString& path, QTextDocument& document, QString* error, double sizeFactor)
 {
     document.clear();
     QFile file(path);
@@ -487,7 +487,7 @@ bool LoadRtfFile(const QString& path, QTextDocument& document, QString* error)
             *error = QStringLiteral("The file is larger than %1 bytes.").arg(kMaxRtfFileSize);
         return false;
     }
-    ReadRtf(bytes, document);
+    ReadRtf(bytes, document, sizeFactor);
     if (error != nullptr)
         error->clear();
     return true;

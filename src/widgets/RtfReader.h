@@ -47,5 +47,6 @@ inline constexpr qint64 kMaxRtfFileSize = 16 * 1024 * 1024;
 
 // Reads the file at `path` into the document with ReadRtf. A file that cannot be opened or
 // is larger than kMaxRtfFileSize leaves the document empty and returns false with the
-// reason in `error` (when given).
-bool LoadRtfFile(const QString& path, QTextDocument& document, QString* error = nullptr);
+// reason in `error` (when given). `sizeFactor` is passed on to ReadRtf.
+bool LoadRtfFile(const QString& path, QTextDocument& document, QString* error = nullptr,
+                 double sizeFactor = 1.0);

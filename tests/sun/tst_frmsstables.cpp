@@ -14,6 +14,8 @@
 #include <QLineEdit>
 #include <QProcess>
 #include <QPushButton>
+#include <QTextBlock>
+#include <QTextDocument>
 #include <QTextEdit>
 #include <QtTest>
 
@@ -230,6 +232,22 @@ private slots:
         QVERIFY(text.contains(QStringLiteral("12/31\t")));
         QCOMPARE(view.TableText()->font().family(), QStringLiteral("Arial"));
         QVERIFY(view.TableText()->isReadOnly());
+    }
+
+    void viewerLinesTheRowsUpUnderTheHeadingAndOpensAtTheTop()
+    {
+        Tables t;
+        t.dialog.cmdCalculate_Click();
+        frmView view(t.shown.value(0));
+        QTextDocument* document = view.TableText()->document();
+        // The document's 5000-twip tab would put each column about 333 pixels apart.
+        const qreal tab = document->defaultTextOption().tabStopDistance();
+        QVERIFY2(tab > 20 && tab < 150, qPrintable(QString::number(tab)));
+        QCOMPARE(view.TableText()->textCursor().position(), 0);
+        // Rows are shown at twice the five points they are written at.
+        const QTextBlock row = document->findBlockByNumber(5);
+        QVERIFY2(row.text().startsWith(QStringLiteral("1/1\t")), qPrintable(row.text()));
+        QCOMPARE(row.charFormat().fontPointSize(), 10.0);
     }
 
     void viewerWithoutATableSaysWhy()

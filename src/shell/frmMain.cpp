@@ -79,6 +79,12 @@ void frmMain::BuildLayout()
     connect(m_picMain->OnTopImage(), &QToolButton::clicked, this, &frmMain::imgOnTop_Click);
     connect(m_picMain->NotTopImage(), &QToolButton::clicked, this, &frmMain::imgNotTop_Click);
     connect(m_picCalc->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picCalc); });
+    // The calculator fills its departure with the corrected time and works out its
+    // second-zone boxes from the home zone of the properties dialog.
+    m_picCalc->SetNowSource([this]() -> QString { return InternetNow(); });
+    m_picCalc->SetHomeZoneSource([this]() -> CalcHomeZone {
+        return {ClockProps().TimeZoneList()->itemData(m_settings.Zone).toInt(), m_settings.DayLight};
+    });
     connect(m_picAlarm->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picAlarm); });
     connect(m_picLog->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picLog); });
     connect(m_picLog, &LogPanel::PrintClicked, this, [this] { PrintLog(m_logBookDate); });
@@ -243,6 +249,7 @@ void frmMain::stsBar_PanelClick(const QString& key)
                 return;
             }
             OpenPanel(m_picCalc);
+            m_picCalc->InitBoxes();
             ShowSunLine();
         } else if (key == u"Alarm") {
             if (m_openPanel == m_picAlarm) {

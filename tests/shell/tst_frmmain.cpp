@@ -544,6 +544,34 @@ private slots:
                  QStringLiteral("Close log book"));
     }
 
+    void openingTheCalculatorFillsTheDepartureWithTheClockTime()
+    {
+        Desk desk;
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        auto* etd = desk.Find<QLineEdit>(QStringLiteral("edtETD"));
+        desk.ClickPanel(QStringLiteral("Calc"));
+        QCOMPARE(etd->displayText(), QStringLiteral("10:00"));
+        // Pacific standard time is eight hours behind UTC, the calculator's first zone.
+        QCOMPARE(desk.Find<QLineEdit>(QStringLiteral("edtETDUTC"))->displayText(), QStringLiteral("18:00"));
+
+        desk.ClickPanel(QStringLiteral("Calc"));
+        desk.clock.Set(Monday, QTime(10, 7, 40));
+        desk.ClickPanel(QStringLiteral("Calc"));
+        QCOMPARE(etd->displayText(), QStringLiteral("10:07"));
+    }
+
+    void calculatorUtcBoxesFollowTheHomeZoneAndDaylightTime()
+    {
+        Desk desk("[General]\nZone=3\nDayLight=1\n");
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.ClickPanel(QStringLiteral("Calc"));
+        QCOMPARE(desk.Find<QLineEdit>(QStringLiteral("edtETD"))->displayText(), QStringLiteral("10:00"));
+        // Central is six hours behind UTC, five in daylight time.
+        QCOMPARE(desk.Find<QLineEdit>(QStringLiteral("edtETDUTC"))->displayText(), QStringLiteral("15:00"));
+    }
+
     void sunLineShowsNoCoordinatesForLatitudeZero()
     {
         Desk desk;

@@ -10,6 +10,7 @@
 #include "props/frmClockProps.h"
 #include "shell/ClockPanel.h"
 #include "sun/SolarEvents.h"
+#include "sun/frmSSTables.h"
 #include "widgets/Icons.h"
 #include "widgets/KeyedStatusBar.h"
 #include "widgets/TopMost.h"
@@ -79,6 +80,7 @@ void frmMain::BuildLayout()
     connect(m_picMain->OnTopImage(), &QToolButton::clicked, this, &frmMain::imgOnTop_Click);
     connect(m_picMain->NotTopImage(), &QToolButton::clicked, this, &frmMain::imgNotTop_Click);
     connect(m_picCalc->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picCalc); });
+    connect(m_picCalc->TablesButton(), &QPushButton::clicked, this, &frmMain::cmdTables_Click);
     // The calculator fills its departure with the corrected time and works out its
     // second-zone boxes from the home zone of the properties dialog.
     m_picCalc->SetNowSource([this]() -> QString { return InternetNow(); });
@@ -218,6 +220,12 @@ void frmMain::ShowSunLine()
         qint16(zoneHours), m_clock.Today());
     m_picCalc->SetSunLine(QStringLiteral("Sunrise: ") + times.Rise + QStringLiteral("\rSunset:  ") +
                           times.Set);
+}
+
+void frmMain::cmdTables_Click()
+{
+    frmSSTables tables(m_settings, this);
+    tables.exec();
 }
 
 void frmMain::OpenPanel(QWidget* panel)

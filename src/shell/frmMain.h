@@ -111,6 +111,8 @@ public:
 
     // Status bar and panels.
     void stsBar_PanelClick(const QString& key);
+    // Opens the sunrise/sunset tables dialog, modally.
+    void cmdTables_Click();
     void imgOnTop_Click();
     void imgNotTop_Click();
 

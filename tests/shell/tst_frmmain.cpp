@@ -572,6 +572,31 @@ private slots:
         QCOMPARE(desk.Find<QLineEdit>(QStringLiteral("edtETDUTC"))->displayText(), QStringLiteral("15:00"));
     }
 
+    void tablesButtonOpensTheTablesDialogWithTheWindowsZone()
+    {
+        Desk desk("[General]\nZone=4\nDayLight=1\n");
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.ClickPanel(QStringLiteral("Calc"));
+        QString caption;
+        int zone = -1;
+        bool dayLight = false;
+        // The dialog is modal: look at it and close it from the event loop it runs.
+        QTimer::singleShot(0, desk.window.get(), [&] {
+            QWidget* dialog = QApplication::activeModalWidget();
+            if (dialog == nullptr)
+                return;
+            caption = dialog->windowTitle();
+            zone = dialog->findChild<QComboBox*>(QStringLiteral("cboTimeZone"))->currentIndex();
+            dayLight = dialog->findChild<QCheckBox*>(QStringLiteral("chkDayLight"))->isChecked();
+            dialog->findChild<QPushButton*>(QStringLiteral("cmdClose"))->click();
+        });
+        desk.Find<QPushButton>(QStringLiteral("cmdTables"))->click();
+        QCOMPARE(caption, QStringLiteral("Sunrise/Sunset Tables"));
+        QCOMPARE(zone, 4);
+        QVERIFY(dayLight);
+    }
+
     void sunLineShowsNoCoordinatesForLatitudeZero()
     {
         Desk desk;

@@ -2,12 +2,17 @@
 // documentation. Usage: tw_screenshots OUTPUT_FOLDER (run under a display, e.g. xvfb-run).
 #include "alarms/frmAlarm.h"
 #include "clock/Clock.h"
+#include "logbook/LogPrinter.h"
 #include "settings/SettingsStore.h"
 #include "shell/frmMain.h"
+#include "sun/BuildSunTable.h"
+#include "sun/SunTablePrinter.h"
+#include "sun/frmView.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QLineEdit>
+#include <QPrinter>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
@@ -53,7 +58,8 @@ int main(int argc, char* argv[])
                "AlarmSet%202=True\nRepeat%202=1\nSafety%202=1\nLastPosition%202=09:45 Pass road km 14\n"
                "Message%203=Shift handover\nExpire%203=14:00\nAlarmSet%203=False\n"
                "Message%204=Fuel truck due\nTypeTimer%204=True\nInterval%204=01:15\nExpire%204=11:20\n"
-               "AlarmSet%204=True\nRepeat%204=1\n");
+               "AlarmSet%204=True\nRepeat%204=1\n"
+               "[Sun]\nLatDeg=41\nLatMin=52\nLongDeg=87\nLongMin=38\n");
     file.close();
 
     // A morning's entries in the day's log.
@@ -110,6 +116,33 @@ int main(int argc, char* argv[])
     window.stsBar_PanelClick(QStringLiteral("Log"));
     window.findChild<QPushButton*>(QStringLiteral("cmdCalendar"))->click();
     ok = Save(&window, out.filePath(QStringLiteral("logbook-panel.png"))) && ok;
+
+    // The calculator: leaving now, two hours thirty-five minutes on the road.
+    window.tmrMain_Timer(); // the faces catch up with the clock moved on above
+    window.stsBar_PanelClick(QStringLiteral("Calc"));
+    auto* elapsed = window.findChild<QLineEdit*>(QStringLiteral("edtElapsed"));
+    elapsed->setFocus();
+    QTest::keyClicks(elapsed, QStringLiteral("0235"));
+    ok = Save(&window, out.filePath(QStringLiteral("calc-panel.png"))) && ok;
+
+    // A year's sunrise/sunset table in the viewer; the table is written in the current folder.
+    QDir::setCurrent(work.path());
+    const SunTablePlace place{QStringLiteral("Ridge depot"), 41, 52, 87, 38, 6, QStringLiteral("2004")};
+    if (!WriteSunTable(place, SunTableFile).isEmpty())
+        return 1;
+    frmView view(place);
+    view.show();
+    if (!QTest::qWaitForWindowExposed(&view))
+        return 1;
+    ok = Save(&view, out.filePath(QStringLiteral("sun-table-viewer.png"))) && ok;
+    view.close();
+
+    // The same table as printed, to a PDF that tools/screenshots.sh turns into a picture.
+    LogPrinter::SetTestOutputFile(out.filePath(QStringLiteral("sun-table-printed.pdf")));
+    QPrinter printer(QPrinter::HighResolution);
+    ok = SunTablePrinter::Print(printer, SunTablePrintLines(place)) && ok;
+    LogPrinter::SetTestOutputFile(QString());
+
     window.EndSession();
     return ok ? 0 : 1;
 }

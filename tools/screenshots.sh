@@ -54,4 +54,7 @@ INNER
 export XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data XDG_RUNTIME_DIR=$work/runtime LANG=en_US.UTF-8 TZ=UTC
 setpriv --bounding-set -sys_time --inh-caps -sys_time -- \
     xvfb-run -a -s "-screen 0 1024x600x24" bash "$work/inner.sh"
+# The printed table, as a picture of its page.
+pdftoppm -png -r 70 -singlefile "$out/sun-table-printed.pdf" "$out/sun-table-printed"
+rm -f "$out/sun-table-printed.pdf"
 echo "screenshots written to $out"

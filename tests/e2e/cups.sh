@@ -164,24 +164,31 @@ cat "$work/program.out"
 check "the test program printed the log without an error" test "$status" -eq 0
 check "the test program was not skipped" lacks "SKIP" "$work/program.out"
 
-# Both documents (the blank one and the log) are jobs of their own; wait until both are done.
+# The three documents (the blank one, the log and the table) are jobs of their own; wait
+# until all are done.
 done_jobs=0
 deadline=$((SECONDS + 60))
 while [ "$SECONDS" -lt "$deadline" ]; do
     done_jobs=$(lpstat -W completed -o "$queue" 2>/dev/null | wc -l || true)
     pending=$(lpstat -W not-completed -o "$queue" 2>/dev/null | wc -l || true)
-    [ "$pending" -eq 0 ] && [ "$done_jobs" -ge 2 ] && break
+    [ "$pending" -eq 0 ] && [ "$done_jobs" -ge 3 ] && break
     sleep 0.5
 done
 lpstat -W completed -o "$queue" || true
-check "two print jobs completed within 60 s" test "$done_jobs" -ge 2
+check "three print jobs completed within 60 s" test "$done_jobs" -ge 3
 
 log_pdf=
+table_text=$work/table.txt
+: >"$table_text"
 for pdf in "$work"/pdf/*.pdf; do
     [ -e "$pdf" ] || continue
     pages=$(pdfinfo "$pdf" 2>/dev/null | awk '/^Pages:/ {print $2}' || true)
     echo "arrived: $(basename "$pdf"), ${pages:-?} page(s)"
     if [ "${pages:-0}" -eq 2 ]; then log_pdf=$pdf; fi
+    if [ "${pages:-0}" -eq 1 ]; then
+        pdftotext -layout "$pdf" "$work/page.txt" 2>/dev/null || true
+        if grep -qF "Sunrise/Sunset Table for: Chicago" "$work/page.txt"; then cp "$work/page.txt" "$table_text"; fi
+    fi
 done
 check "a 2-page PDF (the 57-entry log) arrived" test -n "$log_pdf"
 text=$work/log.txt
@@ -190,6 +197,8 @@ if [ -n "$log_pdf" ]; then pdftotext -layout "$log_pdf" "$text" 2>/dev/null || t
 check "the log's PDF holds the heading 'Tarrowind Logbook'" grep -qF "Tarrowind Logbook" "$text"
 check "the log's PDF holds 'Page: 2'" grep -qF "Page: 2" "$text"
 check "the log's PDF holds the 57th entry" grep -qF "08:56--Entry: 57 (x)" "$text"
+check "a 1-page PDF of the sunrise/sunset table arrived" grep -qF "All times are: CST/MDT" "$table_text"
+check "the table's PDF holds its last row, 14 March beside 31 December" grep -qE "^ *3/14 .*\| 12/31 " "$table_text"
 
 [ "$failed" -eq 0 ] || show_logs
 stop_cupsd

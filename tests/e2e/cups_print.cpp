@@ -1,8 +1,10 @@
 // The day's log goes to a real CUPS queue: the queue named in TW_CUPS_QUEUE (set up by
 // tests/e2e/cups.sh on a private CUPS server, reached through CUPS_SERVER) receives the
-// blank first document and the 57-entry log; the script then checks what the queue wrote.
+// blank first document and the 57-entry log, then a year's sunrise/sunset table; the script
+// then checks what the queue wrote.
 #include "Desk.h"
 #include "logbook/frmPrinterSetup.h"
+#include "sun/BuildSunTable.h"
 #include "widgets/MessageBox.h"
 
 #include <QPrinterInfo>
@@ -45,6 +47,17 @@ private slots:
 
         frmPrinterSetup::SetNextAnswer(m_queue);
         desk.window->PrintLog(Desk::Monday);
+        QStringList shown;
+        for (const MessageBox::Request& request : MessageBox::Shown())
+            shown << request.Text;
+        QVERIFY2(shown.isEmpty(), qPrintable(shown.join(QStringLiteral(" | "))));
+    }
+
+    void sunTableIsPrintedWithoutAnError()
+    {
+        frmPrinterSetup::SetNextAnswer(m_queue);
+        const SunTablePlace place{QStringLiteral("Chicago"), 41, 52, 87, 38, 6, QStringLiteral("2003")};
+        QCOMPARE(BuildSunTable(nullptr, place, QStringLiteral("Print")), QString());
         QStringList shown;
         for (const MessageBox::Request& request : MessageBox::Shown())
             shown << request.Text;

@@ -2,12 +2,12 @@
 // documentation. Usage: tw_screenshots OUTPUT_FOLDER (run under a display, e.g. xvfb-run).
 #include "alarms/frmAlarm.h"
 #include "clock/Clock.h"
-#include "logbook/LogPrinter.h"
 #include "settings/SettingsStore.h"
 #include "shell/frmMain.h"
 #include "sun/BuildSunTable.h"
 #include "sun/SunTablePrinter.h"
 #include "sun/frmView.h"
+#include "widgets/PrintSetup.h"
 
 #include <QApplication>
 #include <QDir>
@@ -138,10 +138,10 @@ int main(int argc, char* argv[])
     view.close();
 
     // The same table as printed, to a PDF that tools/screenshots.sh turns into a picture.
-    LogPrinter::SetTestOutputFile(out.filePath(QStringLiteral("sun-table-printed.pdf")));
+    PrintSetup::SetTestOutputFile(out.filePath(QStringLiteral("sun-table-printed.pdf")));
     QPrinter printer(QPrinter::HighResolution);
     ok = SunTablePrinter::Print(printer, SunTablePrintLines(place)) && ok;
-    LogPrinter::SetTestOutputFile(QString());
+    PrintSetup::SetTestOutputFile(QString());
 
     window.EndSession();
     return ok ? 0 : 1;

@@ -1,6 +1,7 @@
 #include "calc/CalcPanel.h"
 
 #include "clock/ZoneClock.h"
+#include "widgets/Colours.h"
 #include "widgets/Named.h"
 #include "widgets/TimeBox.h"
 
@@ -19,15 +20,10 @@ namespace {
 constexpr ColourValue UnknownColour = 0x00FFFF;
 constexpr ColourValue KnownColour = White;
 
-QColor ToColor(ColourValue value)
-{
-    return QColor(value & 0xFF, (value >> 8) & 0xFF, (value >> 16) & 0xFF);
-}
-
 void SetBoxColour(TimeBox* box, ColourValue value)
 {
     QPalette palette = box->palette();
-    palette.setColor(QPalette::Base, ToColor(value));
+    palette.setColor(QPalette::Base, ToQColor(value));
     box->setPalette(palette);
 }
 

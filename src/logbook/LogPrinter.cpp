@@ -1,18 +1,13 @@
 #include "logbook/LogPrinter.h"
 
+#include "widgets/PrintSetup.h"
+
 #include <QFont>
 #include <QFontMetrics>
-#include <QPageLayout>
 #include <QPainter>
 #include <QPrinter>
 
 namespace {
-
-QString& OutputFile()
-{
-    static QString path;
-    return path;
-}
 
 // Writes lines at a print position kept in twips, as a printer's own "print" does.
 class PrintHead
@@ -60,22 +55,11 @@ void Heading(PrintHead& head, const QString& longDate, int page)
     head.SetFont(10, false);
 }
 
-void SetUp(QPrinter& printer)
-{
-    printer.setPageOrientation(QPageLayout::Portrait);
-    printer.setCopyCount(1);
-    printer.setFullPage(false);
-    if (!OutputFile().isEmpty()) {
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(OutputFile());
-    }
-}
-
 } // namespace
 
 bool LogPrinter::Print(QPrinter& printer, const QString& longDate, const QStringList& lines)
 {
-    SetUp(printer);
+    PrintSetup::Prepare(printer);
     QPainter painter;
     if (!painter.begin(&printer))
         return false;
@@ -98,7 +82,7 @@ bool LogPrinter::Print(QPrinter& printer, const QString& longDate, const QString
 
 bool LogPrinter::PrintEmptyDocument(QPrinter& printer)
 {
-    SetUp(printer);
+    PrintSetup::Prepare(printer);
     QPainter painter;
     if (!painter.begin(&printer))
         return false;
@@ -106,14 +90,4 @@ bool LogPrinter::PrintEmptyDocument(QPrinter& printer)
     head.SetFont(12, true);
     head.PrintLine(QString());
     return painter.end();
-}
-
-void LogPrinter::SetTestOutputFile(const QString& pdfPath)
-{
-    OutputFile() = pdfPath;
-}
-
-QString LogPrinter::TestOutputFile()
-{
-    return OutputFile();
 }

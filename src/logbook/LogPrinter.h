@@ -17,7 +17,4 @@ public:
     // A blank document, sent first so that the printout starts on a fresh document.
     static bool PrintEmptyDocument(QPrinter& printer);
     static constexpr int LinesPerPage = 56;
-    // The printer's output for tests: when set, every printout goes to this PDF file.
-    static void SetTestOutputFile(const QString& pdfPath);
-    static QString TestOutputFile();
 };

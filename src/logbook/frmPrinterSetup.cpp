@@ -13,6 +13,7 @@ struct TestState
 {
     bool On = false;
     QList<QString> Answers;
+    QString Preselect;
 };
 TestState& Test()
 {
@@ -95,6 +96,7 @@ void frmPrinterSetup::cmdCancel_Click()
 bool frmPrinterSetup::Ask(QWidget* parent, QString& printer, const QString& preselect)
 {
     if (Test().On) {
+        Test().Preselect = preselect;
         if (Test().Answers.isEmpty()) {
             printer.clear();
             return true;
@@ -119,4 +121,9 @@ void frmPrinterSetup::SetTestMode(bool on)
 void frmPrinterSetup::SetNextAnswer(const QString& printerOrEmptyForCancel)
 {
     Test().Answers.append(printerOrEmptyForCancel);
+}
+
+QString frmPrinterSetup::LastPreselect()
+{
+    return Test().Preselect;
 }

@@ -26,6 +26,8 @@ public:
     static bool Ask(QWidget* parent, QString& printer, const QString& preselect = {});
     static void SetTestMode(bool on);
     static void SetNextAnswer(const QString& printerOrEmptyForCancel);
+    // The printer the last call asked to have chosen first.
+    static QString LastPreselect();
 
 private:
     QComboBox* m_cmbPrinters;

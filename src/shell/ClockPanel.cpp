@@ -1,5 +1,6 @@
 #include "shell/ClockPanel.h"
 
+#include "widgets/Colours.h"
 #include "widgets/Icons.h"
 
 #include <QGridLayout>
@@ -7,15 +8,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QToolButton>
-
-QString ColourName(ColourValue value)
-{
-    const auto v = quint32(value);
-    return QStringLiteral("#%1%2%3")
-        .arg(v & 0xFF, 2, 16, QLatin1Char('0'))
-        .arg((v >> 8) & 0xFF, 2, 16, QLatin1Char('0'))
-        .arg((v >> 16) & 0xFF, 2, 16, QLatin1Char('0'));
-}
 
 ClockPanel::ClockPanel(QWidget* parent)
     : QFrame(parent), m_seconds(new QLineEdit(this)), m_onTop(new QToolButton(this)),
@@ -99,8 +91,8 @@ void ClockPanel::SetFaceColours(int index, ColourValue fore, ColourValue back)
     m_back.at(std::size_t(index)) = back;
     QLabel* face = Face(index);
     QPalette palette = face->palette();
-    palette.setColor(QPalette::WindowText, QColor(ColourName(fore)));
-    palette.setColor(QPalette::Window, QColor(ColourName(back)));
+    palette.setColor(QPalette::WindowText, ToQColor(fore));
+    palette.setColor(QPalette::Window, ToQColor(back));
     face->setPalette(palette);
 }
 
@@ -118,6 +110,6 @@ void ClockPanel::SetSyncButtonColour(ColourValue back)
 {
     m_syncBack = back;
     QPalette palette = m_sync->palette();
-    palette.setColor(QPalette::Button, QColor(ColourName(back)));
+    palette.setColor(QPalette::Button, ToQColor(back));
     m_sync->setPalette(palette);
 }

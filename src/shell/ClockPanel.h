@@ -46,6 +46,3 @@ private:
     QPushButton* m_sync;
     ColourValue m_syncBack = SyncNormalColour;
 };
-
-// A colour value (red + 256 * green + 65536 * blue) as an RGB colour name ("#rrggbb").
-QString ColourName(ColourValue value);

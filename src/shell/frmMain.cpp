@@ -13,6 +13,7 @@
 #include "sun/frmSSTables.h"
 #include "widgets/Icons.h"
 #include "widgets/KeyedStatusBar.h"
+#include "widgets/MessageBox.h"
 #include "widgets/TopMost.h"
 
 #include <QCheckBox>
@@ -224,8 +225,13 @@ void frmMain::ShowSunLine()
 
 void frmMain::cmdTables_Click()
 {
-    frmSSTables tables(m_settings, this);
-    tables.exec();
+    try {
+        frmSSTables tables(m_settings, this);
+        tables.exec();
+    } catch (const std::exception& error) {
+        MessageBox::Notice(this, QStringLiteral("Unable to show the tables: ") +
+                                     QString::fromLocal8Bit(error.what()));
+    }
 }
 
 void frmMain::OpenPanel(QWidget* panel)

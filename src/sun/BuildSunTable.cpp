@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QPrinter>
+#include <QScopeGuard>
 
 QString BuildSunTable(QWidget* parent, const SunTablePlace& place, const QString& mode,
                       const QString& preselect)
@@ -16,12 +17,15 @@ QString BuildSunTable(QWidget* parent, const SunTablePlace& place, const QString
     QString printerName;
     if (!frmPrinterSetup::Ask(parent, printerName, preselect) || printerName.isEmpty())
         return {}; // no printer chosen: nothing is printed
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    const SunTablePrintout table = SunTablePrintLines(place);
-    QPrinter printer(QPrinter::HighResolution);
-    printer.setPrinterName(printerName);
-    const bool printed = SunTablePrinter::Print(printer, table);
-    QApplication::restoreOverrideCursor();
+    bool printed = false;
+    {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        const auto restore = qScopeGuard([] { QApplication::restoreOverrideCursor(); });
+        const SunTablePrintout table = SunTablePrintLines(place);
+        QPrinter printer(QPrinter::HighResolution);
+        printer.setPrinterName(printerName);
+        printed = SunTablePrinter::Print(printer, table);
+    }
     if (!printed)
         MessageBox::Notice(parent, QStringLiteral("Printer Error - Check Printer"));
     return {};

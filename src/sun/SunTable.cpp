@@ -34,8 +34,9 @@ QString MonthDay(QDate date)
 }
 
 // The document is ANSI text: Latin-1 characters are written as they are, others as Unicode
-// escapes. The three characters that mark up rich text are escaped, so that a location name
-// cannot break the document.
+// escapes, and so are the control characters 0x80-0x9F, which an ANSI reader would take for
+// the typographic characters of its code page. The three characters that mark up rich text are escaped, so
+// that a location name cannot break the document.
 QByteArray RtfText(const QString& text)
 {
     QByteArray out;
@@ -44,7 +45,7 @@ QByteArray RtfText(const QString& text)
         if (u == u'\\' || u == u'{' || u == u'}') {
             out += '\\';
             out += char(u);
-        } else if (u < 0x100) {
+        } else if (u < 0x80 || (u >= 0xA0 && u < 0x100)) {
             out += char(u);
         } else {
             out += "\\u" + QByteArray::number(qint16(u)) + '?';

@@ -1,21 +1,34 @@
 #include "sun/SunTablePrinter.h"
 
-#include "logbook/LogPrinter.h"
+#include "widgets/PrintSetup.h"
 
 #include <QFont>
 #include <QFontMetricsF>
-#include <QPageLayout>
 #include <QPainter>
 #include <QPrinter>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace {
 
 constexpr int Columns = 5;
 constexpr int PointSize = 8;
-// Where a tab goes within a column, as fractions of the column's width.
+// Where a tab goes within a column, as fractions of the column's width: rise, set, bar.
 constexpr std::array<double, 3> Stops{0.27, 0.55, 0.86};
+constexpr double BarStop = Stops[2];
+
+// The first stop at least `gap` past x; the stops repeat in every column.
+double NextStop(double x, double width, double gap)
+{
+    const int first = std::max(0, int(std::floor(x / width)));
+    for (int column = first; column <= first + 1; ++column)
+        for (const double stop : Stops)
+            if (const double at = width * (column + stop); at >= x + gap)
+                return at;
+    return width * (first + 2);
+}
 
 class TablePage
 {
@@ -30,7 +43,6 @@ public:
         m_columnWidth = m_page.width() / double(Columns);
     }
 
-    // Prints one line; each tab moves to the first stop past the text printed so far.
     bool PrintLine(const QString& text)
     {
         if (m_y + m_metrics.lineSpacing() > m_page.height() && m_y > 0) {
@@ -38,30 +50,16 @@ public:
                 return false;
             m_y = 0;
         }
-        double x = 0;
         const QStringList fields = text.split(u'\t');
-        for (qsizetype i = 0; i < fields.size(); ++i) {
-            if (i > 0)
-                x = NextStop(x);
-            m_painter.drawText(QPointF(x, m_y + m_metrics.ascent()), fields.at(i));
-            x += m_metrics.horizontalAdvance(fields.at(i));
-        }
+        const QList<double> at = SunTablePrinter::FieldPositions(
+            fields, m_columnWidth, [this](const QString& s) { return m_metrics.horizontalAdvance(s); });
+        for (qsizetype i = 0; i < fields.size(); ++i)
+            m_painter.drawText(QPointF(at.at(i), m_y + m_metrics.ascent()), fields.at(i));
         m_y += m_metrics.lineSpacing();
         return m_printer.printerState() != QPrinter::Error;
     }
 
 private:
-    double NextStop(double x) const
-    {
-        const double gap = m_metrics.horizontalAdvance(u' ') / 2;
-        for (int column = 0;; ++column)
-            for (const double stop : Stops) {
-                const double at = m_columnWidth * (column + stop);
-                if (at >= x + gap)
-                    return at;
-            }
-    }
-
     QPainter& m_painter;
     QPrinter& m_printer;
     QFontMetricsF m_metrics{QFont()};
@@ -72,15 +70,33 @@ private:
 
 } // namespace
 
+QList<double> SunTablePrinter::FieldPositions(const QStringList& fields, double columnWidth,
+                                              const std::function<double(const QString&)>& advance)
+{
+    QList<double> positions;
+    const double width = std::max(columnWidth, 1.0);
+    const double gap = advance(QStringLiteral(" ")) / 2;
+    int column = 0; // the column whose bar comes next
+    double x = 0;
+    for (qsizetype i = 0; i < fields.size(); ++i) {
+        const QString& field = fields.at(i);
+        if (i > 0) {
+            if (field.startsWith(u'|')) {
+                x = width * (column + BarStop);
+                ++column;
+            } else {
+                x = NextStop(x, width, gap);
+            }
+        }
+        positions << x;
+        x += advance(field);
+    }
+    return positions;
+}
+
 bool SunTablePrinter::Print(QPrinter& printer, const SunTablePrintout& table)
 {
-    printer.setPageOrientation(QPageLayout::Portrait);
-    printer.setCopyCount(1);
-    printer.setFullPage(false);
-    if (!LogPrinter::TestOutputFile().isEmpty()) {
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(LogPrinter::TestOutputFile());
-    }
+    PrintSetup::Prepare(printer);
     QPainter painter;
     if (!painter.begin(&printer))
         return false;

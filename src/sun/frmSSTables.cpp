@@ -19,6 +19,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <exception>
 
 namespace {
 
@@ -153,11 +154,26 @@ SunTablePlace frmSSTables::Place() const
 
 void frmSSTables::cmdCalculate_Click()
 {
+    try {
+        Calculate();
+    } catch (const std::exception& error) {
+        MessageBox::Notice(this, QStringLiteral("Unable to make the table: ") +
+                                     QString::fromLocal8Bit(error.what()));
+    }
+}
+
+void frmSSTables::Calculate()
+{
     const QString message = ValidateCoordinates(m_edtLat->text(), m_edtLatMinutes->text(), m_edtLong->text(),
                                                 m_edtLongMinutes->text());
     if (!message.isEmpty()) {
         MessageBox::Notice(this, QStringLiteral("There is an error in the coordinates you entered: \r\r") +
                                      message);
+        return;
+    }
+    if (m_cboTimeZone->currentIndex() < 0) {
+        // A zone setting outside the list leaves none chosen: the table would be in no zone.
+        MessageBox::Notice(this, QStringLiteral("Choose the time zone of the table."));
         return;
     }
     const SunTablePlace place = Place();

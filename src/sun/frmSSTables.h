@@ -37,6 +37,8 @@ public:
     static int ZoneHoursFor(int storedNumber, bool dayLight);
 
 private:
+    void Calculate();
+
     QLineEdit* m_txtLabel;
     QLineEdit* m_edtLat;
     QLineEdit* m_edtLatMinutes;

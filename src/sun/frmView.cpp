@@ -1,6 +1,7 @@
 #include "sun/frmView.h"
 
 #include "sun/BuildSunTable.h"
+#include "widgets/MessageBox.h"
 #include "widgets/Named.h"
 #include "widgets/PrintDialog.h"
 #include "widgets/RtfReader.h"
@@ -12,6 +13,8 @@
 #include <QTextCursor>
 #include <QTextEdit>
 #include <QVBoxLayout>
+
+#include <exception>
 
 frmView::frmView(const SunTablePlace& place, QWidget* parent)
     : QDialog(parent), m_place(place),
@@ -64,10 +67,14 @@ void frmView::LineUpColumns()
 void frmView::cmdPrint_Click()
 {
     // The system's printer dialog first; its choice is offered again in the printer list.
-    QString printer;
-    if (!PrintDialog::Ask(this, printer))
-        return; // cancelled: nothing is printed
-    BuildSunTable(this, m_place, QStringLiteral("Print"), printer);
+    try {
+        QString printer;
+        if (!PrintDialog::Ask(this, printer))
+            return; // cancelled: nothing is printed
+        BuildSunTable(this, m_place, QStringLiteral("Print"), printer);
+    } catch (const std::exception&) {
+        MessageBox::Notice(this, QStringLiteral("Printer Error - Check Printer"));
+    }
 }
 
 void frmView::cmdClose_Click()

@@ -126,6 +126,10 @@ private slots:
         calc.Find<QRadioButton>(option == u"optETD" ? QStringLiteral("optElapsed") : QStringLiteral("optETD"))
             ->setChecked(true);
         calc.Box(unknown)->setFocus();
+        // A box that is not the unknown is enabled again, whatever state it was left in.
+        for (const char* name : {"edtETD", "edtElapsed", "edtETA"})
+            if (QString::fromLatin1(name) != unknown && QString::fromLatin1(name) != focus)
+                calc.Box(QString::fromLatin1(name))->setEnabled(false);
         calc.Choose(option);
         for (const char* name : {"edtETD", "edtElapsed", "edtETA"}) {
             const QString boxName = QString::fromLatin1(name);

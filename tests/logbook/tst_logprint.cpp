@@ -2,6 +2,7 @@
 #include "logbook/LogPrinter.h"
 #include "logbook/frmPrinterSetup.h"
 #include "widgets/MessageBox.h"
+#include "widgets/PrintSetup.h"
 
 #include <QComboBox>
 #include <QPrinter>
@@ -30,9 +31,9 @@ struct Printing
         TestEnvironment::WriteFile(desk.LogPath(Desk::Monday), log);
         QVERIFY(desk.window->Load());
         pdf = QDir(desk.env.Root()).filePath(QStringLiteral("printed.pdf"));
-        LogPrinter::SetTestOutputFile(pdf);
+        PrintSetup::SetTestOutputFile(pdf);
     }
-    ~Printing() { LogPrinter::SetTestOutputFile(QString()); }
+    ~Printing() { PrintSetup::SetTestOutputFile(QString()); }
     Desk desk{"[General]\nLogOn=1\nLogSafetyOnly=False\n"};
     QString pdf;
 };

@@ -1,12 +1,13 @@
 // The tables dialog, the table viewer and the printed table.
 #include "TestEnvironment.h"
-#include "logbook/LogPrinter.h"
 #include "logbook/frmPrinterSetup.h"
 #include "settings/Settings.h"
+#include "sun/SunTablePrinter.h"
 #include "sun/frmSSTables.h"
 #include "sun/frmView.h"
 #include "widgets/MessageBox.h"
 #include "widgets/PrintDialog.h"
+#include "widgets/PrintSetup.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -96,7 +97,7 @@ private slots:
         MessageBox::SetTestMode(false);
         PrintDialog::SetTestMode(false);
         frmPrinterSetup::SetTestMode(false);
-        LogPrinter::SetTestOutputFile(QString());
+        PrintSetup::SetTestOutputFile(QString());
     }
 
     void dialogHasItsControls()
@@ -207,6 +208,22 @@ private slots:
         QVERIFY(!QFile::exists(QStringLiteral("TWTable.rtf")));
     }
 
+    void aZoneSettingOutsideTheListAsksForAZone()
+    {
+        Tables t(9, 1);
+        QCOMPARE(t.dialog.findChild<QComboBox*>(QStringLiteral("cboTimeZone"))->currentIndex(), -1);
+        t.dialog.cmdCalculate_Click();
+        const auto shown = MessageBox::Shown();
+        QCOMPARE(shown.size(), 1);
+        QCOMPARE(shown[0].Text, QStringLiteral("Choose the time zone of the table."));
+        QVERIFY(t.shown.isEmpty());
+        QVERIFY(!QFile::exists(QStringLiteral("TWTable.rtf")));
+        t.dialog.findChild<QComboBox*>(QStringLiteral("cboTimeZone"))->setCurrentIndex(0);
+        t.dialog.cmdCalculate_Click();
+        QCOMPARE(t.shown.size(), 1);
+        QCOMPARE(t.shown[0].ZoneHours, qint16(8)); // Alaska in daylight time
+    }
+
     void aTableThatCannotBeWrittenIsReported()
     {
         Tables t;
@@ -250,6 +267,17 @@ private slots:
         QCOMPARE(row.charFormat().fontPointSize(), 10.0);
     }
 
+    void viewerShowsALocationNameOfAnyScriptAsTyped()
+    {
+        Tables t;
+        const QString name = QStringLiteral("Z\u00fcrich \u03a9mega \u6771\u4eac {Camp} \\par x");
+        Box(t.dialog, "txtLabel")->setText(name);
+        t.dialog.cmdCalculate_Click();
+        frmView view(t.shown.value(0));
+        const QString firstLine = view.TableText()->document()->firstBlock().text();
+        QCOMPARE(firstLine, QStringLiteral("Sunrise/Sunset Table for: ") + name);
+    }
+
     void viewerWithoutATableSaysWhy()
     {
         TestEnvironment env;
@@ -263,7 +291,7 @@ private slots:
         Tables t;
         t.dialog.cmdCalculate_Click();
         const QString pdf = QDir::current().filePath(QStringLiteral("table.pdf"));
-        LogPrinter::SetTestOutputFile(pdf);
+        PrintSetup::SetTestOutputFile(pdf);
         frmView view(t.shown.value(0));
         PrintDialog::SetNextAnswer(QString());
         frmPrinterSetup::SetNextAnswer(QStringLiteral("Desk"));
@@ -278,7 +306,7 @@ private slots:
         Tables t;
         t.dialog.cmdCalculate_Click();
         const QString pdf = QDir::current().filePath(QStringLiteral("table.pdf"));
-        LogPrinter::SetTestOutputFile(pdf);
+        PrintSetup::SetTestOutputFile(pdf);
         frmView view(t.shown.value(0));
         PrintDialog::SetNextAnswer(QStringLiteral("Desk"));
         // No queued answer: the list is left with no printer chosen.
@@ -295,12 +323,14 @@ private slots:
         t.dialog.findChild<QComboBox*>(QStringLiteral("cboYear"))->setCurrentIndex(5);
         t.dialog.cmdCalculate_Click();
         const QString pdf = QDir::current().filePath(QStringLiteral("table.pdf"));
-        LogPrinter::SetTestOutputFile(pdf);
+        PrintSetup::SetTestOutputFile(pdf);
         frmView view(t.shown.value(0));
         PrintDialog::SetNextAnswer(QStringLiteral("Desk"));
         frmPrinterSetup::SetNextAnswer(QStringLiteral("Desk"));
         view.cmdPrint_Click();
         QVERIFY(MessageBox::Shown().isEmpty());
+        // The printer dialog's choice is the one offered first in the printer list.
+        QCOMPARE(frmPrinterSetup::LastPreselect(), QStringLiteral("Desk"));
         const QStringList pages = PdfPages(pdf);
         QCOMPARE(pages.size(), 1);
         const QString page = pages[0];
@@ -327,13 +357,48 @@ private slots:
         QVERIFY2(lastRow, qPrintable(page));
     }
 
+    void printedFirstColumnUpAllDayKeepsTheOtherColumnsInLine()
+    {
+        // Three units a character on columns 100 wide: "Up all day" runs past the set stop.
+        const auto advance = [](const QString& text) { return 3.0 * double(text.size()); };
+        const QStringList normal =
+            QStringLiteral("1/1\t07:18\t16:30\t| 3/15\t06:03\t17:57\t| 5/27\t04:21\t19:15\t| "
+                           "8/8\t04:51\t19:01\t| 10/20\t06:08\t17:02\t|  |")
+                .split(u'\t');
+        const QStringList upAllDay =
+            QStringLiteral("1/1\tUp all day\t\t| 3/15\t06:03\t17:57\t| 5/27\t04:21\t19:15\t| "
+                           "8/8\t04:51\t19:01\t| 10/20\t06:08\t17:02\t|  |")
+                .split(u'\t');
+        const auto rounded = [](const QList<double>& at) {
+            QList<int> out;
+            for (const double x : at)
+                out << qRound(x);
+            return out;
+        };
+        const QList<int> expected = rounded(SunTablePrinter::FieldPositions(normal, 100, advance));
+        QCOMPARE(expected,
+                 (QList<int>{0, 27, 55, 86, 127, 155, 186, 227, 255, 286, 327, 355, 386, 427, 455, 486}));
+        const QList<int> up = rounded(SunTablePrinter::FieldPositions(upAllDay, 100, advance));
+        // The empty set field may fall anywhere; every field from the bar on stays in line.
+        QCOMPARE(up.mid(0, 2), expected.mid(0, 2));
+        QCOMPARE(up.mid(3), expected.mid(3));
+        // The column heading's words stand over the columns.
+        const QStringList heading =
+            SunTablePrintLines({QStringLiteral("X"), 41, 52, 87, 38, 6, QStringLiteral("2003")})
+                .ColumnHeading.split(u'\t');
+        QCOMPARE(rounded(SunTablePrinter::FieldPositions(heading, 100, advance)).mid(0, 5),
+                 (QList<int>{0, 27, 55, 86, 127}));
+        // A column width of nothing still ends.
+        QCOMPARE(SunTablePrinter::FieldPositions(normal, 0, advance).size(), normal.size());
+    }
+
     void printerThatFailsShowsPrinterError()
     {
         Tables t;
         t.dialog.cmdCalculate_Click();
         const QString pdf = QDir::current().filePath(QStringLiteral("table.pdf"));
         QVERIFY(QDir().mkpath(pdf)); // a folder where the output should go: the printer cannot start
-        LogPrinter::SetTestOutputFile(pdf);
+        PrintSetup::SetTestOutputFile(pdf);
         frmView view(t.shown.value(0));
         PrintDialog::SetNextAnswer(QStringLiteral("Desk"));
         frmPrinterSetup::SetNextAnswer(QStringLiteral("Desk"));

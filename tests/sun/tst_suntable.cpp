@@ -203,6 +203,16 @@ private slots:
                                       "\\{North\\} \\\\ Ridge\r"));
     }
 
+    void locationNameOutsideAsciiIsWrittenAsAnsiOrUnicodeEscapes()
+    {
+        const QString name = QStringLiteral("Z\u00fcrich \u03a9 \u0080");
+        const QList<QByteArray> lines =
+            Lines(SunTableDocument({name, 40, 0, 80, 0, 5, QStringLiteral("2003")}));
+        QCOMPARE(lines[3],
+                 QByteArray("\\deflang1033\\pard\\plain\\f2\\fs20 Sunrise/Sunset Table for: Z\xfcrich "
+                            "\\u937? \\u128?\r"));
+    }
+
     void printedFormHasFiveColumnsOfSeventyThreeDays()
     {
         const SunTablePrintout out = SunTablePrintLines(Chicago(QStringLiteral("2003")));

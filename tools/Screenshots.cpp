@@ -2,10 +2,12 @@
 // documentation. Usage: tw_screenshots OUTPUT_FOLDER (run under a display, e.g. xvfb-run).
 #include "alarms/frmAlarm.h"
 #include "clock/Clock.h"
+#include "settings/Settings.h"
 #include "settings/SettingsStore.h"
 #include "shell/frmMain.h"
 #include "sun/BuildSunTable.h"
 #include "sun/SunTablePrinter.h"
+#include "sun/frmSSTables.h"
 #include "sun/frmView.h"
 #include "widgets/PrintSetup.h"
 
@@ -124,6 +126,20 @@ int main(int argc, char* argv[])
     elapsed->setFocus();
     QTest::keyClicks(elapsed, QStringLiteral("0235"));
     ok = Save(&window, out.filePath(QStringLiteral("calc-panel.png"))) && ok;
+
+    // The tables dialog, as the Tables button opens it.
+    Settings here;
+    here.Zone = 4;
+    here.LatDeg = QStringLiteral("41");
+    here.LatMin = QStringLiteral("52");
+    here.LongDeg = QStringLiteral("87");
+    here.LongMin = QStringLiteral("38");
+    frmSSTables tables(here);
+    tables.show();
+    if (!QTest::qWaitForWindowExposed(&tables))
+        return 1;
+    ok = Save(&tables, out.filePath(QStringLiteral("sun-tables-dialog.png"))) && ok;
+    tables.close();
 
     // A year's sunrise/sunset table in the viewer; the table is written in the current folder.
     QDir::setCurrent(work.path());

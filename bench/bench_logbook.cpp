@@ -1,6 +1,7 @@
 // Measures the logbook: redrawing a day of 10,000 entries in the viewer, and marking the
 // days of ten years of log files (3,650) on the calendar. Prints the median and the worst
 // of several runs. Usage: bench_logbook [RUNS]   (run under a display or offscreen)
+#include "Measure.h"
 #include "clock/Clock.h"
 #include "logbook/LogBook.h"
 #include "settings/SettingsStore.h"
@@ -8,7 +9,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -23,25 +23,6 @@ class FixedClock final : public Clock
 public:
     QDateTime Now() const override { return QDateTime(QDate(2026, 11, 16), QTime(12, 0)); }
 };
-
-struct Figures
-{
-    double Median;
-    double Worst;
-};
-
-Figures Measure(int runs, const std::function<void()>& work)
-{
-    QList<double> ms;
-    for (int i = 0; i < runs; ++i) {
-        QElapsedTimer timer;
-        timer.start();
-        work();
-        ms << double(timer.nsecsElapsed()) / 1e6;
-    }
-    std::sort(ms.begin(), ms.end());
-    return {ms[ms.size() / 2], ms.last()};
-}
 
 } // namespace
 

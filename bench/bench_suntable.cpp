@@ -1,39 +1,16 @@
 // Measures a whole year's sunrise/sunset table: building the document (one day's rise and
 // set per date of both columns) and writing it as "TWTable.rtf". Prints the median and the
 // worst of several runs. Usage: bench_suntable [RUNS]
+#include "Measure.h"
 #include "sun/SunTable.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QTemporaryDir>
 
 #include <algorithm>
 #include <cstdio>
 #include <functional>
-
-namespace {
-
-struct Figures
-{
-    double Median;
-    double Worst;
-};
-
-Figures Measure(int runs, const std::function<void()>& work)
-{
-    QList<double> ms;
-    for (int i = 0; i < runs; ++i) {
-        QElapsedTimer timer;
-        timer.start();
-        work();
-        ms << double(timer.nsecsElapsed()) / 1e6;
-    }
-    std::sort(ms.begin(), ms.end());
-    return {ms[ms.size() / 2], ms.last()};
-}
-
-} // namespace
 
 int main(int argc, char* argv[])
 {

@@ -1,5 +1,7 @@
 #include "logbook/frmPrinterSetup.h"
 
+#include "widgets/TestAnswers.h"
+
 #include <QComboBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -9,16 +11,16 @@
 #include <QPushButton>
 
 namespace {
-struct TestState
+TestAnswers<QString>& Test()
 {
-    bool On = false;
-    QList<QString> Answers;
-    QString Preselect;
-};
-TestState& Test()
+    static TestAnswers<QString> answers;
+    return answers;
+}
+// The printer the last call asked to have chosen first.
+QString& LastPreselected()
 {
-    static TestState state;
-    return state;
+    static QString printer;
+    return printer;
 }
 } // namespace
 
@@ -95,14 +97,11 @@ void frmPrinterSetup::cmdCancel_Click()
 
 bool frmPrinterSetup::Ask(QWidget* parent, QString& printer, const QString& preselect)
 {
-    if (Test().On) {
-        Test().Preselect = preselect;
-        if (Test().Answers.isEmpty()) {
-            printer.clear();
-            return true;
-        }
-        printer = Test().Answers.takeFirst();
-        return !printer.isEmpty();
+    if (Test().On()) {
+        LastPreselected() = preselect;
+        const std::optional<QString> answer = Test().Take();
+        printer = answer.value_or(QString());
+        return !answer || !answer->isEmpty(); // none queued: OK with no printer chosen
     }
     frmPrinterSetup dialog(parent);
     if (!preselect.isEmpty())
@@ -114,16 +113,16 @@ bool frmPrinterSetup::Ask(QWidget* parent, QString& printer, const QString& pres
 
 void frmPrinterSetup::SetTestMode(bool on)
 {
-    Test() = TestState{};
-    Test().On = on;
+    Test().Reset(on);
+    LastPreselected().clear();
 }
 
 void frmPrinterSetup::SetNextAnswer(const QString& printerOrEmptyForCancel)
 {
-    Test().Answers.append(printerOrEmptyForCancel);
+    Test().Queue(printerOrEmptyForCancel);
 }
 
 QString frmPrinterSetup::LastPreselect()
 {
-    return Test().Preselect;
+    return LastPreselected();
 }

@@ -1,44 +1,36 @@
 #include "widgets/FileDialog.h"
 
+#include "widgets/TestAnswers.h"
+
 #include <QFileDialog>
 
 namespace {
-struct TestState
+TestAnswers<QString>& Test()
 {
-    bool On = false;
-    QList<QString> Answers;
-    int Asked = 0;
-};
-
-TestState& Test()
-{
-    static TestState state;
-    return state;
+    static TestAnswers<QString> answers;
+    return answers;
 }
 } // namespace
 
 QString FileDialog::GetOpenFileName(QWidget* parent, const QString& title, const QString& start,
                                     const QString& filter)
 {
-    if (Test().On) {
-        ++Test().Asked;
-        return Test().Answers.isEmpty() ? QString() : Test().Answers.takeFirst();
-    }
+    if (Test().On())
+        return Test().Take().value_or(QString());
     return QFileDialog::getOpenFileName(parent, title, start, filter);
 }
 
 void FileDialog::SetTestMode(bool on)
 {
-    Test() = TestState{};
-    Test().On = on;
+    Test().Reset(on);
 }
 
 void FileDialog::SetNextAnswer(const QString& path)
 {
-    Test().Answers.append(path);
+    Test().Queue(path);
 }
 
 int FileDialog::Asked()
 {
-    return Test().Asked;
+    return Test().Asked();
 }

@@ -1,22 +1,24 @@
 #include "widgets/MessageBox.h"
 
+#include "widgets/TestAnswers.h"
+
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
 
 namespace {
 
-struct TestState
+TestAnswers<MessageBox::Answer>& Test()
 {
-    bool On = false;
-    QList<MessageBox::Answer> Answers;
-    QList<MessageBox::Request> Shown;
-};
+    static TestAnswers<MessageBox::Answer> answers;
+    return answers;
+}
 
-TestState& Test()
+// Every message asked for in test mode, in order.
+QList<MessageBox::Request>& ShownInTest()
 {
-    static TestState state;
-    return state;
+    static QList<MessageBox::Request> shown;
+    return shown;
 }
 
 QList<QPointer<QMessageBox>>& OpenBoxes()
@@ -64,11 +66,9 @@ QString MessageBox::Title()
 
 MessageBox::Answer MessageBox::Show(QWidget* parent, const Request& request)
 {
-    if (Test().On) {
-        Test().Shown.append(request);
-        if (!Test().Answers.isEmpty())
-            return Test().Answers.takeFirst();
-        return DefaultAnswer(request);
+    if (Test().On()) {
+        ShownInTest().append(request);
+        return Test().Take().value_or(DefaultAnswer(request));
     }
 
     QMessageBox box(ToQt(request.IconKind), request.Title.isEmpty() ? Title() : request.Title,
@@ -127,22 +127,21 @@ void MessageBox::DismissOpen()
 
 void MessageBox::SetTestMode(bool on)
 {
-    Test().On = on;
-    Test().Answers.clear();
-    Test().Shown.clear();
+    Test().Reset(on);
+    ShownInTest().clear();
 }
 
 void MessageBox::SetNextAnswer(Answer answer)
 {
-    Test().Answers.append(answer);
+    Test().Queue(answer);
 }
 
 QList<MessageBox::Request> MessageBox::Shown()
 {
-    return Test().Shown;
+    return ShownInTest();
 }
 
 void MessageBox::ClearShown()
 {
-    Test().Shown.clear();
+    ShownInTest().clear();
 }

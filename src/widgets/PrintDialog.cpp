@@ -1,29 +1,22 @@
 #include "widgets/PrintDialog.h"
 
-#include <QList>
+#include "widgets/TestAnswers.h"
+
 #include <QPrintDialog>
 #include <QPrinter>
 
 namespace {
-struct TestState
+TestAnswers<QString>& Test()
 {
-    bool On = false;
-    QList<QString> Answers;
-    int Asked = 0;
-};
-
-TestState& Test()
-{
-    static TestState state;
-    return state;
+    static TestAnswers<QString> answers;
+    return answers;
 }
 } // namespace
 
 bool PrintDialog::Ask(QWidget* parent, QString& printerName)
 {
-    if (Test().On) {
-        ++Test().Asked;
-        printerName = Test().Answers.isEmpty() ? QString() : Test().Answers.takeFirst();
+    if (Test().On()) {
+        printerName = Test().Take().value_or(QString());
         return !printerName.isEmpty();
     }
     QPrinter printer;
@@ -39,16 +32,15 @@ bool PrintDialog::Ask(QWidget* parent, QString& printerName)
 
 void PrintDialog::SetTestMode(bool on)
 {
-    Test() = TestState{};
-    Test().On = on;
+    Test().Reset(on);
 }
 
 void PrintDialog::SetNextAnswer(const QString& printerOrEmptyForCancel)
 {
-    Test().Answers.append(printerOrEmptyForCancel);
+    Test().Queue(printerOrEmptyForCancel);
 }
 
 int PrintDialog::Asked()
 {
-    return Test().Asked;
+    return Test().Asked();
 }

@@ -1,52 +1,20 @@
 #include "calc/CalcMath.h"
 
-#include <QRegularExpression>
-
-#include <cstdlib>
+#include "alarms/AlarmLogic.h"
 
 namespace {
 
-// A moment in seconds from midnight of the reference day. Every working moment starts at
-// 0, which is what a skipped step leaves it at.
-using Moment = qint64;
+constexpr int MinutesPerDay = 24 * 60;
 
-constexpr qint64 SecondsPerDay = 24 * 60 * 60;
-
-// Division rounding towards minus infinity, so that moments before the reference day fall
-// in the day and minute they belong to.
-qint64 FloorDiv(qint64 a, qint64 b)
+// Working times are whole minutes from midnight of the reference day. Every working time
+// starts at 0, which is what a skipped step leaves it at.
+QString Show(qint64 minutes)
 {
-    const qint64 q = a / b;
-    return (a % b != 0 && ((a < 0) != (b < 0))) ? q - 1 : q;
-}
-
-// The moment `minutesOfDay` past midnight of the reference day plus `dayOffset` days.
-Moment At(int dayOffset, int minutesOfDay, int second)
-{
-    return qint64(dayOffset) * SecondsPerDay + qint64(minutesOfDay) * 60 + second;
-}
-
-// The hours and minutes of a moment, as a box shows them.
-QString Show(Moment moment)
-{
-    const qint64 inDay = moment - FloorDiv(moment, SecondsPerDay) * SecondsPerDay;
-    return FormatCalcTime(int(inDay / 3600), int(inDay % 3600 / 60));
+    const int inDay = int(((minutes % MinutesPerDay) + MinutesPerDay) % MinutesPerDay);
+    return FormatHourMinute(inDay / 60, inDay % 60);
 }
 
 } // namespace
-
-std::optional<int> CalcBoxMinutes(const QString& text)
-{
-    static const QRegularExpression form(QStringLiteral("^\\s*(\\d{1,2}):(\\d{1,2})\\s*$"));
-    const auto match = form.match(text);
-    if (!match.hasMatch())
-        return std::nullopt;
-    const int hour = match.captured(1).toInt();
-    const int minute = match.captured(2).toInt();
-    if (hour > 23 || minute > 59)
-        return std::nullopt;
-    return hour * 60 + minute;
-}
 
 int CalcWholeHours(const QString& text)
 {
@@ -63,48 +31,39 @@ int CalcWholeHours(const QString& text)
     return value;
 }
 
-QString FormatCalcTime(int hour, int minute)
-{
-    const QString digits = QStringLiteral("%1").arg(hour * 100 + minute, 4, 10, QLatin1Char('0'));
-    return digits.left(digits.size() - 2) + u':' + digits.right(2);
-}
-
 QString SolveForElapsed(const QString& etd, const QString& eta)
 {
-    Moment arrival = 0;
-    Moment departure = 0;
-    // 1. The arrival on the day after the reference day, one second past the minute.
-    if (const auto minutes = CalcBoxMinutes(eta))
-        arrival = At(1, *minutes, 1);
+    qint64 arrival = 0;
+    qint64 departure = 0;
+    // 1. The arrival on the day after the reference day.
+    if (const auto minutes = IntervalMinutes(eta))
+        arrival = MinutesPerDay + *minutes;
     // 2. An arrival whose whole hours are more than the departure's is on the same day.
     if (CalcWholeHours(etd) < CalcWholeHours(eta))
-        if (const auto minutes = CalcBoxMinutes(eta))
-            arrival = At(0, *minutes, 0);
+        if (const auto minutes = IntervalMinutes(eta))
+            arrival = *minutes;
     // 3. The departure on the reference day.
-    if (const auto minutes = CalcBoxMinutes(etd))
-        departure = At(0, *minutes, 0);
-    // 4. The whole minutes between them, counted from one second past midnight.
-    const qint64 minutes = FloorDiv(arrival, 60) - FloorDiv(departure, 60);
-    return Show(1 + minutes * 60);
+    if (const auto minutes = IntervalMinutes(etd))
+        departure = *minutes;
+    // 4. The minutes between them, as a time of day.
+    return Show(arrival - departure);
 }
 
 QString SolveForETD(const QString& eta, const QString& elapsed)
 {
-    Moment arrival = 0;
-    if (const auto minutes = CalcBoxMinutes(eta))
-        arrival = At(1, *minutes, 1);
+    qint64 arrival = 0;
+    if (const auto minutes = IntervalMinutes(eta))
+        arrival = MinutesPerDay + *minutes;
     // An unreadable travel time keeps its starting value, midnight: no hours, no minutes.
-    const int travel = CalcBoxMinutes(elapsed).value_or(0);
-    return Show(arrival - qint64(travel) * 60);
+    return Show(arrival - IntervalMinutes(elapsed).value_or(0));
 }
 
 QString SolveForETA(const QString& etd, const QString& elapsed)
 {
-    Moment departure = 0;
-    if (const auto minutes = CalcBoxMinutes(etd))
-        departure = At(1, *minutes, 1);
-    const int travel = CalcBoxMinutes(elapsed).value_or(0);
-    return Show(departure + qint64(travel) * 60);
+    qint64 departure = 0;
+    if (const auto minutes = IntervalMinutes(etd))
+        departure = MinutesPerDay + *minutes;
+    return Show(departure + IntervalMinutes(elapsed).value_or(0));
 }
 
 QString SolveFor(CalcUnknown unknown, const QString& etd, const QString& elapsed, const QString& eta)
@@ -129,8 +88,8 @@ int SecondZoneShift(int chosenOffset, int homeOffset, int dayLight)
 
 std::optional<QString> SecondZoneTime(const QString& local, int shiftHours)
 {
-    const auto minutes = CalcBoxMinutes(local);
+    const auto minutes = IntervalMinutes(local);
     if (!minutes)
         return std::nullopt;
-    return Show(At(0, *minutes, 0) + qint64(shiftHours) * 3600);
+    return Show(*minutes + qint64(shiftHours) * 60);
 }

@@ -6,12 +6,13 @@
 
 // The time calculator's arithmetic, on the texts of its "##:##" boxes.
 //
-// Times are handled as moments around a fixed reference day; only hours and minutes are
-// ever shown, so every result wraps at midnight. Each routine works step by step and skips
-// a step that cannot be done (a half-typed box such as "1_:3_" or an empty "__:__" does not
-// read as a time): the following steps run with what they have, and a working value whose
-// step was skipped keeps its starting value, midnight of the reference day. A routine
-// therefore always has an answer, however little of the boxes has been typed.
+// A box reads as a time as IntervalMinutes reads it ("hh:mm", hour 0-23, minute 0-59), and a
+// result is written by FormatHourMinute. Times are handled as whole minutes around a fixed
+// reference day; only hours and minutes are ever shown, so every result wraps at midnight. Each routine works
+// step by step and skips a step that cannot be done (a half-typed box such as "1_:3_" or an empty "__:__"
+// does not read as a time): the following steps run with what they have, and a working value whose step was
+// skipped keeps its starting value, midnight of the reference day. A routine therefore always has an answer,
+// however little of the boxes has been typed.
 
 // Which of the three times the calculator works out from the two others.
 enum class CalcUnknown
@@ -21,16 +22,9 @@ enum class CalcUnknown
     Elapsed,
 };
 
-// The minutes past midnight of a box that reads as a time: hours 0-23, a colon, minutes
-// 0-59, one or two digits each ("07:30", "7:5"). Nothing when it does not read as a time.
-std::optional<int> CalcBoxMinutes(const QString& text);
-
 // The whole hours of a box, read up to the colon: its leading digits as a number, 0 when
 // it starts with anything else ("1_:3_" gives 1, "__:__" and "_5:00" give 0).
 int CalcWholeHours(const QString& text);
-
-// A result for a box: the hour times 100 plus the minute, formatted as "00:00".
-QString FormatCalcTime(int hour, int minute);
 
 // The travel time from departure to arrival. The arrival is taken on the day after the
 // departure, unless the arrival's whole hours are more than the departure's: an arrival in

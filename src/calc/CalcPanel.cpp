@@ -147,7 +147,6 @@ void CalcPanel::SelectWhole(TimeBox* box)
 
 void CalcPanel::SetSunLine(const QString& text)
 {
-    m_sunText = text;
     m_lblSun->setText(QString(text).replace(u'\r', u'\n'));
 }
 

@@ -46,7 +46,6 @@ public:
     QPushButton* TablesButton() const { return m_cmdTables; }
     // The line is composed with "\r" between its two lines.
     void SetSunLine(const QString& text);
-    QString SunLine() const { return m_sunText; }
 
     // Which box the option buttons make the unknown.
     CalcUnknown Unknown() const;
@@ -87,5 +86,4 @@ private:
     QLabel* m_lblSun;
     QPushButton* m_cmdTables;
     QPushButton* m_close;
-    QString m_sunText;
 };

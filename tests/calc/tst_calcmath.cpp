@@ -1,3 +1,4 @@
+#include "alarms/AlarmLogic.h"
 #include "calc/CalcMath.h"
 
 #include <QtTest>
@@ -26,7 +27,7 @@ private slots:
     {
         QFETCH(QString, text);
         QFETCH(int, minutes);
-        const std::optional<int> read = CalcBoxMinutes(text);
+        const std::optional<int> read = IntervalMinutes(text);
         QCOMPARE(read.has_value(), minutes >= 0);
         if (read)
             QCOMPARE(*read, minutes);
@@ -66,7 +67,7 @@ private slots:
         QFETCH(int, hour);
         QFETCH(int, minute);
         QFETCH(QString, text);
-        QCOMPARE(FormatCalcTime(hour, minute), text);
+        QCOMPARE(FormatHourMinute(hour, minute), text);
     }
 
     void elapsedCountsAnArrivalInTheSameHourAsNextDay()

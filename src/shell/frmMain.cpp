@@ -86,7 +86,7 @@ void frmMain::BuildLayout()
     // second-zone boxes from the home zone of the properties dialog.
     m_picCalc->SetNowSource([this]() -> QString { return InternetNow(); });
     m_picCalc->SetHomeZoneSource([this]() -> CalcHomeZone {
-        return {ClockProps().TimeZoneList()->itemData(m_settings.Zone).toInt(), m_settings.DayLight};
+        return {LocalZoneOffset(), m_settings.DayLight};
     });
     connect(m_picAlarm->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picAlarm); });
     connect(m_picLog->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picLog); });
@@ -107,6 +107,12 @@ frmClockProps& frmMain::ClockProps()
 QString frmMain::FormatDateLong(QDate date) const
 {
     return m_locale.toString(date, QLocale::LongFormat);
+}
+
+int frmMain::LocalZoneOffset()
+{
+    // The item data of the properties dialog's zone list; a zone outside it reads as UTC.
+    return ClockProps().TimeZoneList()->itemData(m_settings.Zone).toInt();
 }
 
 QString frmMain::InternetNow() const
@@ -212,9 +218,7 @@ void frmMain::ShowSunLine()
         return;
     }
     // Hours west of Greenwich of the local zone, one less in daylight time.
-    QComboBox* zones = ClockProps().TimeZoneList();
-    const int offset = zones->itemData(qBound(0, int(m_settings.Zone), ZoneCount - 1)).toInt();
-    const int zoneHours = std::abs(offset) - (m_settings.DayLight != 0 ? 1 : 0);
+    const int zoneHours = std::abs(LocalZoneOffset()) - (m_settings.DayLight != 0 ? 1 : 0);
     const SunTimes times = ComputeSunTimes(
         qint16(m_settings.LatDeg.toInt()), qint16(m_settings.LatMin.toInt()), QStringLiteral("N"),
         qint16(m_settings.LongDeg.toInt()), qint16(m_settings.LongMin.toInt()), QStringLiteral("W"),

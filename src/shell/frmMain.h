@@ -143,6 +143,8 @@ private:
     void ClosePanel(QWidget* panel);
     void CloseOpenPanel();
     void ShowSunLine();
+    // Hours from UTC of the local zone in standard time.
+    int LocalZoneOffset();
     frmClockProps& ClockProps();
 
     const Clock& m_clock;

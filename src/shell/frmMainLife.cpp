@@ -194,10 +194,8 @@ void frmMain::CheckAlarms(int hour, int minute)
     try {
         const auto handleDayChange = [this] {
             const QDate today = m_clock.Today();
-            if (today != m_lastDate) {
-                m_lastDate = today;
+            if (today != m_lastDate)
                 NewDay();
-            }
         };
         handleDayChange();
         // Second zero is seen by two ticks: each minute is handled once.
@@ -243,6 +241,8 @@ void frmMain::CheckAlarms(int hour, int minute)
 
 void frmMain::NewDay()
 {
+    // The day this was done for: start-up's call counts, so the first minute does not redo it.
+    m_lastDate = m_clock.Today();
     m_log->CloseTodaysLog();
     OpenTodaysLog();
     RefreshLogView();

@@ -70,8 +70,8 @@ bool LogPrinter::Print(QPrinter& printer, const QString& longDate, const QString
     for (const QString& line : lines) {
         head.PrintLine(line);
         ++count;
-        // Past 55 counted lines a new page starts with its heading.
-        if (count > 55) {
+        // After a full page of lines a new page starts with its heading.
+        if (count >= LinesPerPage) {
             count = 0;
             printer.newPage();
             Heading(head, longDate, ++page);

@@ -84,15 +84,19 @@ QString frmPrinterSetup::ChosenPrinter() const
 
 void frmPrinterSetup::cmdOK_Click()
 {
-    hide();
     accept();
 }
 
 void frmPrinterSetup::cmdCancel_Click()
 {
-    canceled = true;
-    hide();
     reject();
+}
+
+void frmPrinterSetup::reject()
+{
+    // "Cancel", Esc and the window's close button all cancel the print.
+    canceled = true;
+    QDialog::reject();
 }
 
 bool frmPrinterSetup::Ask(QWidget* parent, QString& printer, const QString& preselect)

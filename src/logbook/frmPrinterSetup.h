@@ -19,6 +19,7 @@ public:
 
     void cmdOK_Click();
     void cmdCancel_Click();
+    void reject() override;
 
     // Shows the dialog modally, with `preselect` chosen when it names a printer. In test mode
     // nothing is shown: the queued answer is taken (a printer name, or an empty text for

@@ -140,6 +140,15 @@ private slots:
         dialog.cmdCancel_Click();
         QVERIFY(dialog.canceled);
     }
+
+    void printerSetupClosedWithEscapeCancels()
+    {
+        frmPrinterSetup dialog;
+        dialog.show();
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+        QVERIFY(dialog.canceled);
+        QVERIFY(!dialog.isVisible());
+    }
 };
 
 QTEST_MAIN(TestLogPrint)

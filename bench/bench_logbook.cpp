@@ -2,8 +2,11 @@
 // days of ten years of log files (3,650) on the calendar. Prints the median and the worst
 // of several runs. Usage: bench_logbook [RUNS]   (run under a display or offscreen)
 #include "Measure.h"
+#include "alarms/AlarmSound.h"
 #include "clock/Clock.h"
 #include "logbook/LogBook.h"
+#include "logbook/LogViewer.h"
+#include "platform/PlatformServices.h"
 #include "settings/SettingsStore.h"
 #include "shell/frmMain.h"
 
@@ -61,22 +64,25 @@ int main(int argc, char* argv[])
 
     FixedClock clock;
     SettingsStore store(QDir(work.path()).filePath(QStringLiteral("bench.ini")));
+    PlatformServices platform = CreatePlatformServices();
     const MainServices services{
         clock,
         store,
         logs,
         locale,
-        {QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../src"))}};
+        {QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../src"))},
+        [](QObject* owner) { return AlarmSound::Create(owner); },
+        platform};
     frmMain window(services);
     if (!window.Load())
         return 1;
-    window.SetLogBookDate(busyDay);
+    window.Viewer().SetLogBookDate(busyDay);
 
-    const Figures redraw = Measure(runs, [&] { window.RefreshLogView(); });
-    const Figures mark = Measure(runs, [&] { window.MarkAvailableLogs(); });
+    const Figures redraw = Measure(runs, [&] { window.Viewer().RefreshLogView(); });
+    const Figures mark = Measure(runs, [&] { window.Viewer().MarkAvailableLogs(); });
     std::printf("redraw_10000_entries_ms median=%.1f worst=%.1f\n", redraw.Median, redraw.Worst);
     std::printf("mark_3650_days_ms median=%.1f worst=%.1f\n", mark.Median, mark.Worst);
-    std::printf("marked_days=%lld\n", static_cast<long long>(window.MarkedLogDays().size()));
+    std::printf("marked_days=%lld\n", static_cast<long long>(window.Viewer().MarkedLogDays().size()));
     window.EndSession();
     return 0;
 }

@@ -10,8 +10,10 @@
 // before a second (an early tick) counts as a negative lag. The figures are printed as
 // "key=value" lines for scripts, and the program exits with status 0 when changes were
 // seen and every change showed the right second.
+#include "alarms/AlarmSound.h"
 #include "alarms/SoundFile.h"
 #include "clock/Clock.h"
+#include "platform/PlatformServices.h"
 #include "settings/SettingsStore.h"
 #include "shell/frmMain.h"
 
@@ -122,7 +124,11 @@ int main(int argc, char* argv[])
 
     SystemClock clock;
     SettingsStore store(work.filePath(QStringLiteral("Tarrowind 2.ini")));
-    const MainServices services{clock, store, logFolder, QLocale(), soundFolders};
+    PlatformServices platform = CreatePlatformServices();
+    const MainServices services{clock,        store,
+                                logFolder,    QLocale(),
+                                soundFolders, [](QObject* owner) { return AlarmSound::Create(owner); },
+                                platform};
 
     QElapsedTimer startUp;
     startUp.start();

@@ -1,7 +1,11 @@
 // Saves screenshots of the program's windows with a fixed date and prepared alarms, for the
 // documentation. Usage: tw_screenshots OUTPUT_FOLDER (run under a display, e.g. xvfb-run).
+#include "alarms/AlarmDesk.h"
+#include "alarms/AlarmSound.h"
+#include "alarms/AlarmWindows.h"
 #include "alarms/frmAlarm.h"
 #include "clock/Clock.h"
+#include "platform/PlatformServices.h"
 #include "settings/Settings.h"
 #include "settings/SettingsStore.h"
 #include "shell/frmMain.h"
@@ -84,13 +88,16 @@ int main(int argc, char* argv[])
 
     FixedClock clock;
     SettingsStore store(ini);
+    PlatformServices platform = CreatePlatformServices();
     const MainServices services{
         clock,
         store,
         QDir(work.path()).filePath(QStringLiteral("Logs")),
         QLocale(QLocale::English, QLocale::UnitedStates),
         // the default sound generated beside the program in the build tree
-        {QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../src"))}};
+        {QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../src"))},
+        [](QObject* owner) { return AlarmSound::Create(owner); },
+        platform};
     frmMain window(services);
     if (!window.Load())
         return 1;
@@ -98,13 +105,13 @@ int main(int argc, char* argv[])
     if (!QTest::qWaitForWindowExposed(&window))
         return 1;
     window.stsBar_PanelClick(QStringLiteral("Alarm"));
-    window.Alarms().SelectedAlarm = 2;
-    window.SetSelectedAlarm();
+    window.Alarms().Table().SelectedAlarm = 2;
+    window.Alarms().SetSelectedAlarm();
     bool ok = Save(&window, out.filePath(QStringLiteral("alarm-panel.png")));
 
     clock.At = QDateTime(QDate(2026, 11, 16), QTime(10, 15, 0));
     window.CheckAlarms(10, 15);
-    frmAlarm* alarm = window.AlarmWindow(2);
+    frmAlarm* alarm = window.Windows().AlarmWindow(2);
     if (!alarm)
         return 1;
     alarm->findChild<QLineEdit*>(QStringLiteral("txtLocation"))

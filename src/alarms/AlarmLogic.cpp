@@ -2,35 +2,6 @@
 
 #include <QRegularExpression>
 
-QString FormatHourMinute(int hour, int minute)
-{
-    return QStringLiteral("%1:%2").arg(hour, 2, 10, QLatin1Char('0')).arg(minute, 2, 10, QLatin1Char('0'));
-}
-
-namespace {
-
-std::optional<QTime> ParseTime(const QString& text)
-{
-    static const QRegularExpression form(QStringLiteral("^\\s*(\\d{1,2}):(\\d{1,2})\\s*$"));
-    const auto match = form.match(text);
-    if (!match.hasMatch())
-        return std::nullopt;
-    const QTime time(match.captured(1).toInt(), match.captured(2).toInt());
-    if (!time.isValid())
-        return std::nullopt;
-    return time;
-}
-
-} // namespace
-
-std::optional<int> IntervalMinutes(const QString& etime)
-{
-    const auto time = ParseTime(etime);
-    if (!time)
-        return std::nullopt;
-    return time->hour() * 60 + time->minute();
-}
-
 std::optional<QString> CalcExpire(const QDateTime& internetNow, const QString& etime)
 {
     const auto minutes = IntervalMinutes(etime);
@@ -40,27 +11,12 @@ std::optional<QString> CalcExpire(const QDateTime& internetNow, const QString& e
     return FormatHourMinute(expiry.hour(), expiry.minute());
 }
 
-QString TimeText(const QString& boxText)
-{
-    const auto time = ParseTime(boxText);
-    return time ? FormatHourMinute(time->hour(), time->minute()) : boxText;
-}
-
 bool ExpiresAt(const AlarmRecord& alarm, int hour, int minute)
 {
     static const QRegularExpression form(QStringLiteral("^\\d\\d:\\d\\d$"));
     if (!alarm.AlarmSet || !form.match(alarm.Expire).hasMatch())
         return false;
     return alarm.Expire.left(2).toInt() == hour && alarm.Expire.right(2).toInt() == minute;
-}
-
-QList<int> DueAlarms(const AlarmTable& table, int hour, int minute)
-{
-    QList<int> due;
-    for (int n = 1; n <= table.AlarmCount; ++n)
-        if (ExpiresAt(table.At(n), hour, minute))
-            due.append(n);
-    return due;
 }
 
 std::optional<int> NewAlarm(AlarmTable& table)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "alarms/AlarmTable.h"
+#include "clock/TimeText.h"
 
 #include <QDateTime>
 #include <QList>
@@ -9,27 +10,13 @@
 
 #include <optional>
 
-// "hh:mm" from hours and minutes: the number hour * 100 + minute in the form "00:00".
-QString FormatHourMinute(int hour, int minute);
-
-// The minutes of an interval typed as "hh:mm" (hour 0-23, minute 0-59); nothing when the
-// text is not such a time (a half-typed box, say).
-std::optional<int> IntervalMinutes(const QString& etime);
-
 // The expiry of a timer set now: the corrected time plus the interval, as "hh:mm".
 // Nothing when the interval cannot be read; the caller then leaves the expiry as it was.
 std::optional<QString> CalcExpire(const QDateTime& internetNow, const QString& etime);
 
-// A time box's text as hours and minutes: "7:5" or "07:05" gives "07:05"; a text that is
-// not a time is kept as it stands.
-QString TimeText(const QString& boxText);
-
 // Whether a set alarm goes off at this hour and minute. An expiry that is not two digits,
 // a colon and two digits never matches.
 bool ExpiresAt(const AlarmRecord& alarm, int hour, int minute);
-
-// The numbers of the set alarms due at this hour and minute, lowest first.
-QList<int> DueAlarms(const AlarmTable& table, int hour, int minute);
 
 // Adds an alarm after the last one, initialised as new ("<NEW>", clock time, "00:00").
 // Returns its number, or nothing when the table is full (the count stays at 30).

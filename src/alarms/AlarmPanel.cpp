@@ -1,8 +1,12 @@
 #include "alarms/AlarmPanel.h"
 
+#include "alarms/AlarmDesk.h"
 #include "alarms/AlarmListView.h"
 #include "alarms/AlarmLogic.h"
-#include "shell/frmMain.h"
+#include "alarms/AlarmWindows.h"
+#include "logbook/LogBook.h"
+#include "logbook/frmNote.h"
+#include "settings/Preferences.h"
 #include "widgets/FileDialog.h"
 #include "widgets/MessageBox.h"
 #include "widgets/Named.h"
@@ -27,8 +31,10 @@ const QString RingingTip = QStringLiteral("This Alarm is ringing, acknowledge fi
 
 } // namespace
 
-AlarmPanel::AlarmPanel(frmMain& main, QWidget* parent)
-    : QFrame(parent), m_main(main), m_lstAlarms(new AlarmListView),
+AlarmPanel::AlarmPanel(AlarmDesk& desk, AlarmWindows& windows, const Preferences& preferences,
+                       QWidget* parent)
+    : QFrame(parent), m_desk(desk), m_windows(windows), m_preferences(preferences),
+      m_lstAlarms(new AlarmListView),
       m_txtMessage(Named(new QLineEdit, QStringLiteral("txtMessage"), QStringLiteral("Alarm message"))),
       m_optClock(Named(new QRadioButton(QStringLiteral(" Clock Time ")), QStringLiteral("optClock"),
                        QStringLiteral(" Clock Time "))),
@@ -145,6 +151,14 @@ AlarmPanel::AlarmPanel(frmMain& main, QWidget* parent)
             cmdSet_Click();
     });
     m_optNamed->installEventFilter(this);
+
+    connect(&m_desk, &AlarmDesk::TableChanged, this, &AlarmPanel::RefreshRows);
+    connect(&m_desk, &AlarmDesk::SelectionChanged, this, &AlarmPanel::SetSelectedAlarm);
+    connect(&m_desk, &AlarmDesk::ExpiryChanged, this,
+            [this](int n) { m_lstAlarms->SetRowExpires(RowTag(n), m_desk.Table().At(n).Expire); });
+    // The sound choices are usable only while alarm sound is on.
+    connect(&m_preferences, &Preferences::Changed, this,
+            [this] { SetSoundChoicesEnabled(m_preferences.Values().Audible == 1); });
 }
 
 void AlarmPanel::SetSoundChoicesEnabled(bool enabled)
@@ -153,15 +167,29 @@ void AlarmPanel::SetSoundChoicesEnabled(bool enabled)
     m_optNamed->setEnabled(enabled);
 }
 
+void AlarmPanel::OpenNote()
+{
+    // The note names the alarm selected when it is recorded, not when it opened.
+    const auto subject = [this]() -> std::optional<NoteSubject> {
+        const AlarmTable& table = m_desk.Table();
+        if (table.SelectedAlarm < 1 || table.SelectedAlarm > MaxAlarms)
+            return std::nullopt;
+        const AlarmRecord& a = table.At(table.SelectedAlarm);
+        return NoteSubject{a.Message, a.Safety};
+    };
+    auto* note = new frmNote(m_desk.Log(), subject, m_desk.InternetNow(), window());
+    note->show();
+}
+
 bool AlarmPanel::Editing() const
 {
-    const AlarmTable& table = m_main.Alarms();
+    const AlarmTable& table = m_desk.Table();
     return !m_loadingEditor && table.SelectedAlarm >= 1 && table.SelectedAlarm <= table.AlarmCount;
 }
 
 void AlarmPanel::RefreshRows()
 {
-    const AlarmTable& table = m_main.Alarms();
+    const AlarmTable& table = m_desk.Table();
     m_lstAlarms->Clear();
     for (int n = 1; n <= table.AlarmCount; ++n) {
         const AlarmRecord& a = table.At(n);
@@ -171,7 +199,7 @@ void AlarmPanel::RefreshRows()
 
 void AlarmPanel::SetSelectedAlarm()
 {
-    const AlarmTable& table = m_main.Alarms();
+    const AlarmTable& table = m_desk.Table();
     const int n = table.SelectedAlarm;
     if (n < 1 || n > table.AlarmCount)
         return;
@@ -210,14 +238,14 @@ void AlarmPanel::SetSelectedAlarm()
 
 void AlarmPanel::cmdNew_Click()
 {
-    AlarmTable& table = m_main.Alarms();
+    AlarmTable& table = m_desk.Table();
     const auto n = NewAlarm(table);
     if (!n) {
         MessageBox::Notice(this, QStringLiteral("Maximum alarms exceeded, can't create new"));
         return;
     }
     table.SelectedAlarm = *n;
-    m_main.RefreshAlarmList();
+    m_desk.RefreshAlarmList();
     m_loadingEditor = true;
     m_optClock->setChecked(true);
     m_txtMessage->setText(QStringLiteral("<NEW>"));
@@ -225,7 +253,7 @@ void AlarmPanel::cmdNew_Click()
     m_chkRepeat->setChecked(false);
     m_edtExpire->SetText(QStringLiteral("00:00"));
     m_loadingEditor = false;
-    m_main.RefreshAlarmList();
+    m_desk.RefreshAlarmList();
     SetSelectedAlarm();
     m_txtMessage->setFocus();
     m_txtMessage->setSelection(0, 10);
@@ -233,7 +261,7 @@ void AlarmPanel::cmdNew_Click()
 
 void AlarmPanel::cmdSet_Click()
 {
-    AlarmTable& table = m_main.Alarms();
+    AlarmTable& table = m_desk.Table();
     if (table.AlarmCount == 0)
         return;
     try {
@@ -243,8 +271,8 @@ void AlarmPanel::cmdSet_Click()
             a.Expire = QStringLiteral("00:00");
             m_lstAlarms->SetRowExpires(RowTag(n), a.Expire);
             m_cmdSet->setText(QStringLiteral(" Set Alarm"));
-            m_main.WriteLogEntry(QStringLiteral("CA"), a.Safety, QString::fromUtf16(AlarmLogText::Cancelled),
-                                 a.Message, QString());
+            m_desk.Log().WriteLogEntry(QStringLiteral("CA"), a.Safety,
+                                       QString::fromUtf16(AlarmLogText::Cancelled), a.Message, QString());
             table.At(n).AlarmSet = false;
         } else {
             // An alarm armed with a time that cannot be read could never ring: refuse it.
@@ -262,13 +290,13 @@ void AlarmPanel::cmdSet_Click()
                 m_lstAlarms->SetRowExpires(RowTag(n), m_edtExpire->Text());
             } else {
                 a.Interval = TimeText(m_edtExpire->Text());
-                m_main.CalcExpire(m_edtExpire->Text(), n);
+                m_desk.CalcExpire(m_edtExpire->Text(), n);
             }
             m_cmdSet->setText(QStringLiteral(" Cancel Alarm"));
-            m_main.WriteLogEntry(QStringLiteral("SA"), a.Safety, QString::fromUtf16(AlarmLogText::Set),
-                                 a.Message, AlarmLogText::ExpiresAt(a.Expire));
+            m_desk.Log().WriteLogEntry(QStringLiteral("SA"), a.Safety, QString::fromUtf16(AlarmLogText::Set),
+                                       a.Message, AlarmLogText::ExpiresAt(a.Expire));
         }
-        m_main.RefreshAlarmList();
+        m_desk.RefreshAlarmList();
         SetSelectedAlarm();
     } catch (const std::exception&) {
         // A failing click ends quietly.
@@ -277,10 +305,10 @@ void AlarmPanel::cmdSet_Click()
 
 void AlarmPanel::cmdDelete_Click()
 {
-    AlarmTable& table = m_main.Alarms();
+    AlarmTable& table = m_desk.Table();
     if (table.AlarmCount == 0)
         return;
-    m_main.DeleteAlarm(table.SelectedAlarm);
+    m_desk.DeleteAlarm(table.SelectedAlarm);
     if (table.AlarmCount == 0) {
         m_loadingEditor = true;
         m_txtMessage->clear();
@@ -292,15 +320,15 @@ void AlarmPanel::cmdDelete_Click()
 
 void AlarmPanel::cmdCheckIn_Click()
 {
-    if (m_main.Alarms().AlarmCount < 1 || !m_chkSafety->isChecked())
+    if (m_desk.Table().AlarmCount < 1 || !m_chkSafety->isChecked())
         return;
-    m_main.StartCheckIn(m_main.Alarms().SelectedAlarm);
+    m_windows.StartCheckIn(m_desk.Table().SelectedAlarm);
 }
 
 void AlarmPanel::cmdNote_Click()
 {
     if (m_lstAlarms->RowCount() > 0)
-        m_main.OpenNote();
+        OpenNote();
 }
 
 void AlarmPanel::cmdView_Click()
@@ -313,9 +341,9 @@ void AlarmPanel::cmdView_Click()
 void AlarmPanel::lstAlarms_ItemClick(const QString& tag)
 {
     const int n = TagNumber(tag);
-    if (n < 1 || n > m_main.Alarms().AlarmCount)
+    if (n < 1 || n > m_desk.Table().AlarmCount)
         return;
-    m_main.Alarms().SelectedAlarm = n;
+    m_desk.Table().SelectedAlarm = n;
     SetSelectedAlarm();
     m_txtMessage->setFocus();
 }
@@ -330,8 +358,8 @@ void AlarmPanel::txtMessage_Change()
 {
     if (!Editing())
         return;
-    const int n = m_main.Alarms().SelectedAlarm;
-    AlarmRecord& a = m_main.Alarms().At(n);
+    const int n = m_desk.Table().SelectedAlarm;
+    AlarmRecord& a = m_desk.Table().At(n);
     a.Message = m_txtMessage->text();
     m_lstAlarms->SetRowText(RowTag(n), RowText(a));
 }
@@ -340,7 +368,7 @@ void AlarmPanel::optClock_Click()
 {
     if (!Editing())
         return;
-    m_main.Alarms().At(m_main.Alarms().SelectedAlarm).TypeTimer = false;
+    m_desk.Table().At(m_desk.Table().SelectedAlarm).TypeTimer = false;
     m_edtExpire->setFocus();
 }
 
@@ -348,7 +376,7 @@ void AlarmPanel::optTimer_Click()
 {
     if (!Editing())
         return;
-    m_main.Alarms().At(m_main.Alarms().SelectedAlarm).TypeTimer = true;
+    m_desk.Table().At(m_desk.Table().SelectedAlarm).TypeTimer = true;
     m_edtExpire->setFocus();
 }
 
@@ -356,14 +384,14 @@ void AlarmPanel::edtExpire_Change()
 {
     if (!Editing())
         return;
-    const int n = m_main.Alarms().SelectedAlarm;
-    AlarmRecord& a = m_main.Alarms().At(n);
+    const int n = m_desk.Table().SelectedAlarm;
+    AlarmRecord& a = m_desk.Table().At(n);
     if (!a.TypeTimer) {
         a.Expire = TimeText(m_edtExpire->Text());
         m_lstAlarms->SetRowExpires(RowTag(n), m_edtExpire->Text());
     } else {
         a.Interval = TimeText(m_edtExpire->Text());
-        m_main.CalcExpire(m_edtExpire->Text(), n);
+        m_desk.CalcExpire(m_edtExpire->Text(), n);
     }
 }
 
@@ -376,8 +404,8 @@ void AlarmPanel::edtExpire_KeyPress()
 {
     if (!Editing())
         return;
-    const int n = m_main.Alarms().SelectedAlarm;
-    AlarmRecord& a = m_main.Alarms().At(n);
+    const int n = m_desk.Table().SelectedAlarm;
+    AlarmRecord& a = m_desk.Table().At(n);
     if (!a.AlarmSet)
         return;
     // A new time must be set again: the alarm is unset at once, without a log entry.
@@ -389,14 +417,14 @@ void AlarmPanel::edtExpire_KeyPress()
 
 void AlarmPanel::edtExpire_LostFocus()
 {
-    m_main.SaveAlarms();
+    m_desk.SaveAlarms();
 }
 
 void AlarmPanel::chkRepeat_Click()
 {
     if (!Editing())
         return;
-    m_main.Alarms().At(m_main.Alarms().SelectedAlarm).Repeat = m_chkRepeat->isChecked() ? 1 : 0;
+    m_desk.Table().At(m_desk.Table().SelectedAlarm).Repeat = m_chkRepeat->isChecked() ? 1 : 0;
     if (!m_chkRepeat->isChecked())
         m_chkSafety->setChecked(false);
 }
@@ -405,31 +433,31 @@ void AlarmPanel::chkSafety_Click()
 {
     if (!Editing())
         return;
-    AlarmRecord& a = m_main.Alarms().At(m_main.Alarms().SelectedAlarm);
+    AlarmRecord& a = m_desk.Table().At(m_desk.Table().SelectedAlarm);
     a.Safety = m_chkSafety->isChecked() ? 1 : 0;
     if (m_chkSafety->isChecked()) {
         m_cmdCheckIn->setEnabled(true);
         m_chkRepeat->setChecked(true);
         m_optTimer->setChecked(true);
-        m_edtExpire->SetText(m_main.Values().DefaultInterval);
+        m_edtExpire->SetText(m_preferences.Values().DefaultInterval);
     } else {
         m_cmdCheckIn->setEnabled(false);
     }
-    m_main.RefreshAlarmList();
+    m_desk.RefreshAlarmList();
 }
 
 void AlarmPanel::optDefault_Click()
 {
     if (!Editing())
         return;
-    m_main.Alarms().At(m_main.Alarms().SelectedAlarm).AudioPath.clear();
+    m_desk.Table().At(m_desk.Table().SelectedAlarm).AudioPath.clear();
 }
 
 void AlarmPanel::optNamed_MouseDown()
 {
     if (!Editing())
         return;
-    AlarmRecord& a = m_main.Alarms().At(m_main.Alarms().SelectedAlarm);
+    AlarmRecord& a = m_desk.Table().At(m_desk.Table().SelectedAlarm);
     const QString path = FileDialog::GetOpenFileName(this, QStringLiteral("Alarm"), a.AudioPath,
                                                      QStringLiteral("Wave (*.Wav *.wav)"));
     SetNamedSound(path);
@@ -437,7 +465,7 @@ void AlarmPanel::optNamed_MouseDown()
 
 void AlarmPanel::SetNamedSound(const QString& path)
 {
-    AlarmRecord& a = m_main.Alarms().At(m_main.Alarms().SelectedAlarm);
+    AlarmRecord& a = m_desk.Table().At(m_desk.Table().SelectedAlarm);
     a.AudioPath = path;
     if (path.isEmpty()) {
         m_optDefault->setChecked(true);

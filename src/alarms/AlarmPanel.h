@@ -9,22 +9,26 @@ class QLineEdit;
 class QPushButton;
 class QRadioButton;
 class TimeBox;
-class frmMain;
+class AlarmDesk;
+class AlarmWindows;
+class Preferences;
 
 // The alarm panel `picAlarm`: the alarm list and, beside it, the editor of the selected
-// alarm. Every change in the editor is written straight into that alarm's record.
+// alarm. Every change in the editor is written straight into that alarm's record in the
+// alarm desk; the list and the editor follow the desk's announcements.
 class AlarmPanel : public QFrame
 {
     Q_OBJECT
 public:
-    explicit AlarmPanel(frmMain& main, QWidget* parent = nullptr);
+    AlarmPanel(AlarmDesk& desk, AlarmWindows& windows, const Preferences& preferences,
+               QWidget* parent = nullptr);
 
     QPushButton* CloseButton() const { return m_cmdCloseAlarm; }
     AlarmListView* List() const { return m_lstAlarms; }
     // Enables or disables the two sound choices (the sound switch is off).
     void SetSoundChoicesEnabled(bool enabled);
 
-    // Rebuilds every row from the table; returns the number of set alarms.
+    // Rebuilds every row from the table.
     void RefreshRows();
     // Selects the row of the selected alarm and fills the editor from its record.
     void SetSelectedAlarm();
@@ -35,6 +39,8 @@ public:
     void cmdDelete_Click();
     void cmdCheckIn_Click();
     void cmdNote_Click();
+    // Opens the note window for the selected alarm.
+    void OpenNote();
     void cmdView_Click();
     void lstAlarms_ItemClick(const QString& tag);
     void lstAlarms_ColumnClick(int column);
@@ -57,7 +63,9 @@ private:
     bool Editing() const;
     void SetNamedSound(const QString& path);
 
-    frmMain& m_main;
+    AlarmDesk& m_desk;
+    AlarmWindows& m_windows;
+    const Preferences& m_preferences;
     bool m_loadingEditor = false;
     AlarmListView* m_lstAlarms;
     QLineEdit* m_txtMessage;

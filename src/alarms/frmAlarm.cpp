@@ -1,8 +1,10 @@
 #include "alarms/frmAlarm.h"
 
+#include "alarms/AlarmDesk.h"
 #include "alarms/AlarmLogic.h"
 #include "alarms/AlarmSound.h"
-#include "shell/frmMain.h"
+#include "alarms/AlarmWindows.h"
+#include "logbook/LogBook.h"
 #include "widgets/Icons.h"
 #include "widgets/TopMost.h"
 
@@ -16,15 +18,15 @@
 
 #include <exception>
 
-frmAlarm::frmAlarm(frmMain& main, int expirePtr, bool checkIn, QWidget* parent)
+frmAlarm::frmAlarm(AlarmDesk& desk, AlarmWindows& windows, int expirePtr, bool checkIn, QWidget* parent)
     : QWidget(parent,
               Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint),
-      m_main(main), m_expirePtr(expirePtr), m_checkIn(checkIn), m_lblCaption(new QLabel),
+      m_desk(desk), m_windows(windows), m_expirePtr(expirePtr), m_checkIn(checkIn), m_lblCaption(new QLabel),
       m_lblMessage(new QLabel), m_lblExpired(new QLabel),
       m_lblLocation(new QLabel(QStringLiteral("Safety Check Location / Notes"))),
       m_txtLocation(new QLineEdit), m_cmdReset(new QPushButton(QStringLiteral("Reset to expire at 12:23"))),
       m_cmdStop(new QPushButton(QStringLiteral("Stop"))), m_image0(new QLabel), m_image1(new QLabel),
-      m_mmcAlarm(main.MakeSound(this))
+      m_mmcAlarm(windows.MakeSound(this))
 {
     setObjectName(QStringLiteral("frmAlarm"));
     setAttribute(Qt::WA_DeleteOnClose);
@@ -107,7 +109,7 @@ frmAlarm::~frmAlarm() = default;
 
 void frmAlarm::LoadWindow()
 {
-    const AlarmRecord& a = m_main.Alarms().At(m_expirePtr);
+    const AlarmRecord& a = m_desk.Table().At(m_expirePtr);
     if (!m_checkIn)
         m_lblExpired->setText(QString(QStringLiteral("Expired on\r") + a.Expire).replace(u'\r', u'\n'));
     m_txtLocation->setVisible(false);
@@ -150,7 +152,7 @@ void frmAlarm::Timer1_Timer()
     m_image1->setVisible(m_blinkPhase);
     m_image0->setVisible(!m_blinkPhase);
     try {
-        if (m_main.Alarms().At(m_expirePtr).Safety != 1)
+        if (m_desk.Table().At(m_expirePtr).Safety != 1)
             return;
     } catch (const std::exception&) {
         return;
@@ -171,16 +173,16 @@ void frmAlarm::tmrFlash_Timer()
     if (m_checkIn)
         return;
     PlaySound();
-    m_main.FlashMainWindow();
+    m_windows.FlashMainWindow();
 }
 
 void frmAlarm::PlaySound()
 {
-    if (m_main.Values().Audible != 1)
+    if (!m_windows.SoundOn())
         return;
     try {
-        const AlarmRecord& a = m_main.Alarms().At(m_expirePtr);
-        const QString file = a.AudioPath.isEmpty() ? m_main.DefaultSoundFile() : a.AudioPath;
+        const AlarmRecord& a = m_desk.Table().At(m_expirePtr);
+        const QString file = a.AudioPath.isEmpty() ? m_windows.DefaultSoundFile() : a.AudioPath;
         // A sound is played to its end: a long one is not started again every two seconds.
         if (!m_mmcAlarm->IsPlaying())
             m_mmcAlarm->Play(file);
@@ -193,17 +195,17 @@ void frmAlarm::cmdReset_Click()
 {
     try {
         m_tmrFlash.stop();
-        AlarmTable& table = m_main.Alarms();
+        AlarmTable& table = m_desk.Table();
         AlarmRecord& a = table.At(m_expirePtr);
         a.AlarmSet = true;
         a.Ringing = false;
         if (a.TypeTimer)
-            m_main.CalcExpire(a.Interval, m_expirePtr);
+            m_desk.CalcExpire(a.Interval, m_expirePtr);
         QString detail = AlarmLogText::ExpiresAt(a.Expire);
         if (a.Safety == 1)
             detail += QStringLiteral(", ") + m_txtLocation->text();
-        m_main.WriteLogEntry(QStringLiteral("SA"), a.Safety, QString::fromUtf16(AlarmLogText::Reset),
-                             a.Message, detail);
+        m_desk.Log().WriteLogEntry(QStringLiteral("SA"), a.Safety, QString::fromUtf16(AlarmLogText::Reset),
+                                   a.Message, detail);
     } catch (const std::exception&) {
         // The window still closes.
     }
@@ -214,16 +216,16 @@ void frmAlarm::cmdStop_Click()
 {
     try {
         m_tmrFlash.stop();
-        AlarmTable& table = m_main.Alarms();
+        AlarmTable& table = m_desk.Table();
         table.At(m_expirePtr).Ringing = false;
         if (table.At(m_expirePtr).Repeat == 1)
             table.At(m_expirePtr).AlarmSet = false;
         else
-            m_main.DeleteAlarm(m_expirePtr);
+            m_desk.DeleteAlarm(m_expirePtr);
         // Logged after the delete: a stopped alarm that was removed is logged with the
         // record that moved into its slot.
         const AlarmRecord& now = table.At(m_expirePtr);
-        m_main.WriteLogEntry(
+        m_desk.Log().WriteLogEntry(
             QStringLiteral("SA"), now.Safety, QString::fromUtf16(AlarmLogText::Terminated), now.Message,
             now.Safety == 1 ? QString(QStringLiteral(", ") + m_txtLocation->text()) : QString());
     } catch (const std::exception&) {
@@ -234,9 +236,9 @@ void frmAlarm::cmdStop_Click()
 
 void frmAlarm::Answered()
 {
-    m_main.RefreshAlarmList();
-    m_main.RelayoutAlarmWindows();
-    m_main.RefreshLogView();
+    m_desk.RefreshAlarmList();
+    m_windows.RelayoutAlarmWindows();
+    m_windows.AlarmAnswered();
     close();
 }
 
@@ -252,15 +254,15 @@ void frmAlarm::closeEvent(QCloseEvent* event)
         m_timer1.stop();
         m_tmrFlash.stop();
         try {
-            AlarmRecord& a = m_main.Alarms().At(m_expirePtr);
+            AlarmRecord& a = m_desk.Table().At(m_expirePtr);
             if (a.Safety == 1)
-                a.LastPosition = m_main.InternetNow() + u' ' + m_txtLocation->text();
-            m_main.RefreshAlarmList();
+                a.LastPosition = m_desk.InternetNow() + u' ' + m_txtLocation->text();
+            m_desk.RefreshAlarmList();
         } catch (const std::exception&) {
             // Closing never fails.
         }
         m_mmcAlarm->Stop();
-        m_main.AlarmWindowClosed(this);
+        m_windows.AlarmWindowClosed(this);
     }
     QWidget::closeEvent(event);
 }

@@ -9,7 +9,8 @@ class AlarmSound;
 class QLabel;
 class QLineEdit;
 class QPushButton;
-class frmMain;
+class AlarmDesk;
+class AlarmWindows;
 
 // The window an alarm raises: on top of every other window it blinks its pictures (and,
 // for a safety alarm, its heading in red), plays the alarm sound every two seconds and
@@ -19,7 +20,7 @@ class frmAlarm : public QWidget
 {
     Q_OBJECT
 public:
-    frmAlarm(frmMain& main, int expirePtr, bool checkIn, QWidget* parent = nullptr);
+    frmAlarm(AlarmDesk& desk, AlarmWindows& windows, int expirePtr, bool checkIn, QWidget* parent = nullptr);
     ~frmAlarm() override;
 
     int ExpirePtr() const { return m_expirePtr; }
@@ -44,7 +45,8 @@ private:
     void LoadWindow();
     void Answered();
 
-    frmMain& m_main;
+    AlarmDesk& m_desk;
+    AlarmWindows& m_windows;
     int m_expirePtr;
     bool m_checkIn;
     bool m_blinkPhase = false;

@@ -1,6 +1,8 @@
 #include "Version.h"
+#include "alarms/AlarmSound.h"
 #include "clock/Clock.h"
 #include "logbook/LogFolder.h"
+#include "platform/PlatformServices.h"
 #include "platform/ShutdownSignals.h"
 #include "settings/SettingsStore.h"
 #include "shell/frmMain.h"
@@ -39,7 +41,12 @@ int main(int argc, char* argv[])
     const QString logFolder =
         ChooseLogFolder(QCoreApplication::applicationDirPath(),
                         QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
-    const MainServices services{clock, store, logFolder, QLocale(), DataFolders()};
+    // Every operating-system service is made here, once, and handed in.
+    PlatformServices platform = CreatePlatformServices();
+    const MainServices services{clock,         store,
+                                logFolder,     QLocale(),
+                                DataFolders(), [](QObject* owner) { return AlarmSound::Create(owner); },
+                                platform};
 
     std::unique_ptr<frmMain> mainWindow;
     const auto endProgram = [&] {

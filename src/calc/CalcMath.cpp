@@ -1,6 +1,6 @@
 #include "calc/CalcMath.h"
 
-#include "alarms/AlarmLogic.h"
+#include "clock/TimeText.h"
 
 namespace {
 

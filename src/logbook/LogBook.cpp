@@ -1,8 +1,9 @@
 #include "logbook/LogBook.h"
 
 #include "clock/Clock.h"
+#include "common/ErrorText.h"
+#include "logbook/LogView.h"
 #include "platform/FileSync.h"
-#include "shell/ErrorText.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -75,8 +76,8 @@ QByteArray FormatLogLine(const LogEntry& e, const QLocale& locale)
     return line.toUtf8();
 }
 
-LogBook::LogBook(QString folder, const Clock& clock, QLocale locale)
-    : m_folder(std::move(folder)), m_clock(clock), m_locale(std::move(locale))
+LogBook::LogBook(QString folder, const Clock& clock, QLocale locale, QObject* parent)
+    : QObject(parent), m_folder(std::move(folder)), m_clock(clock), m_locale(std::move(locale))
 {}
 
 LogBook::~LogBook()
@@ -90,17 +91,30 @@ QString LogBook::PathOf(QDate day) const
     return QDir(m_folder).filePath(LogFileName(day));
 }
 
+std::optional<QString> LogBook::Report(std::optional<QString> error)
+{
+    if (error)
+        emit Failed(*error);
+    return error;
+}
+
+void LogBook::SetSwitches(const LogSwitches& switches)
+{
+    if (switches.LogOn == m_switches.LogOn && switches.SafetyOnly == m_switches.SafetyOnly)
+        return;
+    m_switches = switches;
+    emit SwitchesChanged();
+}
+
 std::optional<QString> LogBook::OpenTodaysLog()
 {
     CloseTodaysLog();
     const QDate today = m_clock.Today();
     QDir().mkpath(m_folder);
     m_today.setFileName(PathOf(today));
-    if (!m_today.open(QIODevice::WriteOnly | QIODevice::Append)) {
-        const QString message = ErrorText(QStringLiteral("Error opening today's logbook"),
-                                          int(m_today.error()), m_today.errorString());
-        return message;
-    }
+    if (!m_today.open(QIODevice::WriteOnly | QIODevice::Append))
+        return Report(ErrorText(QStringLiteral("Error opening today's logbook"), int(m_today.error()),
+                                m_today.errorString()));
     m_openDay = today;
     return std::nullopt;
 }
@@ -117,6 +131,12 @@ bool LogBook::IsTodaysLogOpen() const
     return m_today.isOpen();
 }
 
+void LogBook::WriteLogEntry(const QString& code, qint16 safety, const QString& text1, const QString& text2,
+                            const QString& text3)
+{
+    WriteLogEntry(code, safety, text1, text2, text3, m_now ? m_now() : QString(), m_switches);
+}
+
 std::optional<QString> LogBook::WriteLogEntry(const QString& code, qint16 safety, const QString& text1,
                                               const QString& text2, const QString& text3, const QString& time,
                                               const LogSwitches& switches)
@@ -125,15 +145,15 @@ std::optional<QString> LogBook::WriteLogEntry(const QString& code, qint16 safety
         return std::nullopt;
     const QString fixedText = QStringLiteral("Error writing to the logbook");
     if (!m_today.isOpen())
-        return ErrorText(fixedText, int(QFileDevice::WriteError),
-                         QStringLiteral("The logbook file is not open"));
+        return Report(ErrorText(fixedText, int(QFileDevice::WriteError),
+                                QStringLiteral("The logbook file is not open")));
 
     const LogEntry entry{m_clock.Today(), time, code, safety, text1, text2, text3};
     const QByteArray line = FormatLogLine(entry, m_locale);
     if (m_today.write(line) != line.size() || !SyncFileToDisk(m_today)) {
         const QString message = ErrorText(fixedText, int(m_today.error()), m_today.errorString());
         m_today.unsetError();
-        return message;
+        return Report(message);
     }
     return std::nullopt;
 }
@@ -157,6 +177,24 @@ void LogBook::CloseDayLog()
 {
     if (m_dayRead.isOpen())
         m_dayRead.close();
+}
+
+LogDay LogBook::ReadDay(QDate day, bool reopenWhenMissing)
+{
+    const bool today = day == m_clock.Today();
+    if (today)
+        CloseTodaysLog();
+    LogDay read;
+    read.OpenError = OpenDayLog(day, read.Found);
+    if (read.Found) {
+        LogDayRead entries = ReadLogDay(m_dayRead, day, m_locale);
+        read.Entries = std::move(entries.Entries);
+        read.SeenDates = std::move(entries.SeenDates);
+    }
+    CloseDayLog();
+    if (today && (read.Found || reopenWhenMissing))
+        OpenTodaysLog();
+    return read;
 }
 
 QList<QDate> LogBook::AvailableLogDates() const

@@ -4,8 +4,11 @@
 #include <QFile>
 #include <QList>
 #include <QLocale>
+#include <QObject>
 #include <QString>
 
+#include <array>
+#include <functional>
 #include <optional>
 
 class Clock;
@@ -22,7 +25,7 @@ struct LogEntry
     QString LogText3;
 };
 
-// The two logging switches of the logbook panel, read at every entry.
+// The two logging switches, held by the writer and read at every entry.
 struct LogSwitches
 {
     bool LogOn = false;      // "Enable Logging"
@@ -49,16 +52,34 @@ QByteArray FormatLogLine(const LogEntry& entry, const QLocale& locale);
 // Whether the switches let this entry be written.
 bool ShouldLog(qint16 safety, const LogSwitches& switches);
 
-// The daily log files in one folder, and the open file of today.
-class LogBook
+// A day's log read for the viewer or the printer.
+struct LogDay
 {
-public:
-    LogBook(QString folder, const Clock& clock, QLocale locale);
-    ~LogBook();
+    bool Found = false;                    // the day has a log file
+    std::optional<QString> OpenError;      // the file exists but could not be opened
+    QList<std::array<QString, 7>> Entries; // the entries of the day, in file order
+    QList<QDate> SeenDates;                // every valid date met in the file's first field
+};
 
-    QString Folder() const { return m_folder; }
-    const QLocale& Locale() const { return m_locale; }
+// The daily log files in one folder, the open file of today, and the one writer of
+// entries with its two switches. Every failure is announced through Failed() (and, from
+// the lower-level calls, also returned) so that the program reports it in one place.
+class LogBook : public QObject
+{
+    Q_OBJECT
+public:
+    // The corrected time of day ("hh:mm") stamped on each entry.
+    using TimeSource = std::function<QString()>;
+
+    LogBook(QString folder, const Clock& clock, QLocale locale, QObject* parent = nullptr);
+    ~LogBook() override;
+
     QString PathOf(QDate day) const;
+
+    void SetTimeSource(TimeSource now) { m_now = std::move(now); }
+    const LogSwitches& Switches() const { return m_switches; }
+    // Changes the switches; SwitchesChanged() tells when they did change.
+    void SetSwitches(const LogSwitches& switches);
 
     // Opens today's file (by the PC's date) for appending, creating the folder and the
     // file as needed. Returns the message to show when that failed; the log stays closed.
@@ -67,6 +88,9 @@ public:
     bool IsTodaysLogOpen() const;
     QDate OpenDay() const { return m_openDay; }
 
+    // Writes one entry stamped with the time source's time, under the book's switches.
+    void WriteLogEntry(const QString& code, qint16 safety, const QString& text1, const QString& text2,
+                       const QString& text3);
     // Appends one entry to today's file when the switches allow it, and pushes it to the
     // disk at once. Returns the message to show when the entry could not be written.
     std::optional<QString> WriteLogEntry(const QString& code, qint16 safety, const QString& text1,
@@ -81,14 +105,27 @@ public:
     // The file opened by OpenDayLog, for reading its entries.
     QFile& DayLog() { return m_dayRead; }
 
+    // Reads a whole day's log. When the day is today, today's file is closed around the
+    // read and opened again after it; when the day has no file it is opened again only if
+    // `reopenWhenMissing` says so. An open error is returned, not announced.
+    LogDay ReadDay(QDate day, bool reopenWhenMissing);
+
     // The days that have a log file; names other than eight digits and ".log" are skipped.
     // The date is rebuilt as month/day/year text and read with the locale's date order.
     QList<QDate> AvailableLogDates() const;
 
+signals:
+    void SwitchesChanged();
+    void Failed(const QString& message);
+
 private:
+    std::optional<QString> Report(std::optional<QString> error);
+
     QString m_folder;
     const Clock& m_clock;
     QLocale m_locale;
+    TimeSource m_now;
+    LogSwitches m_switches;
     QFile m_today;
     QDate m_openDay;
     QFile m_dayRead;

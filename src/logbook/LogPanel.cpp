@@ -1,6 +1,7 @@
 #include "logbook/LogPanel.h"
 
-#include "shell/frmMain.h"
+#include "logbook/LogPrinter.h"
+#include "logbook/LogViewer.h"
 #include "widgets/MonthCalendar.h"
 #include "widgets/Named.h"
 #include "widgets/RtfReader.h"
@@ -14,8 +15,8 @@
 #include <QScrollBar>
 #include <QTextEdit>
 
-LogPanel::LogPanel(frmMain& main, QWidget* parent)
-    : QFrame(parent), m_main(main),
+LogPanel::LogPanel(LogViewer& viewer, LogBook& log, QWidget* parent)
+    : QFrame(parent), m_viewer(viewer), m_log(log),
       m_calDate(Named(new MonthCalendar(QStringLiteral("Red Dots: available logs  ")),
                       QStringLiteral("calDate"), QStringLiteral("Red Dots: available logs  "))),
       m_chkLog(Named(new QCheckBox(QStringLiteral("Enable Logging")), QStringLiteral("chkLog"),
@@ -76,35 +77,48 @@ LogPanel::LogPanel(frmMain& main, QWidget* parent)
     m_calDate->setParent(this);
     m_calDate->setVisible(false);
 
-    connect(m_chkLog, &QCheckBox::clicked, this, &LogPanel::LogCheckClicked);
+    // The switches are the writer's: a change made here, by any means, is handed to it.
+    connect(m_chkLog, &QCheckBox::toggled, this, &LogPanel::TakeSwitches);
+    connect(m_optSafetyOnly, &QRadioButton::toggled, this, &LogPanel::TakeSwitches);
+    connect(m_chkLog, &QCheckBox::clicked, this, &LogPanel::EnableChoicesFromLogCheck);
+    connect(&m_log, &LogBook::SwitchesChanged, this, &LogPanel::ShowSwitches);
+    connect(&m_viewer, &LogViewer::LogBookDateChanged, this,
+            [this](QDate day) { SetDateCaption(m_viewer.FormatDateLong(day)); });
+    connect(&m_viewer, &LogViewer::PlainTextShown, this, &LogPanel::ShowPlainText);
+    connect(&m_viewer, &LogViewer::DocumentShown, this, &LogPanel::ShowDocument);
+    connect(&m_viewer, &LogViewer::PrintAvailable, this, &LogPanel::SetPrintEnabled);
+    connect(&m_viewer, &LogViewer::DaysMarked, this, &LogPanel::ShowMarkedDays);
     connect(m_hscDate, &QScrollBar::valueChanged, this, &LogPanel::hscDate_Change);
     connect(m_cmdReset, &QPushButton::clicked, this, &LogPanel::cmdReset_Click);
     connect(m_cmdCalendar, &QPushButton::clicked, this, &LogPanel::cmdCalendar_Click);
     connect(m_calDate, &MonthCalendar::DateClicked, this, &LogPanel::calDate_Click);
-    connect(m_cmdPrint, &QPushButton::clicked, this, &LogPanel::PrintClicked);
+    connect(m_cmdPrint, &QPushButton::clicked, this, &LogPanel::cmdPrint_Click);
+    ShowSwitches();
+    ShowMarkedDays();
 }
 
-void LogPanel::SetSwitches(qint16 logOn, bool safetyOnly)
+void LogPanel::ShowSwitches()
 {
-    m_chkLog->setChecked(logOn == 1);
-    m_optSafetyOnly->setChecked(safetyOnly);
+    const LogSwitches& switches = m_log.Switches();
+    m_showingSwitches = true;
+    m_chkLog->setChecked(switches.LogOn);
+    m_optSafetyOnly->setChecked(switches.SafetyOnly);
     if (!m_optSafetyOnly->isChecked())
         m_optAll->setChecked(true);
+    m_showingSwitches = false;
 }
 
-LogSwitches LogPanel::Switches() const
+void LogPanel::TakeSwitches()
 {
-    return {m_chkLog->isChecked(), m_optSafetyOnly->isChecked()};
+    if (!m_showingSwitches)
+        m_log.SetSwitches({m_chkLog->isChecked(), m_optSafetyOnly->isChecked()});
 }
 
-qint16 LogPanel::LogOnValue() const
+void LogPanel::ShowMarkedDays()
 {
-    return m_chkLog->isChecked() ? 1 : 0;
-}
-
-bool LogPanel::SafetyOnlyValue() const
-{
-    return m_optSafetyOnly->isChecked();
+    for (const QDate& day : m_viewer.MarkedLogDays())
+        if (!m_calDate->IsMarked(day))
+            m_calDate->MarkDate(day);
 }
 
 void LogPanel::EnableChoicesFromLogCheck()
@@ -143,17 +157,15 @@ void LogPanel::hscDate_Change(int value)
 {
     // Putting the bar back to 0 raises this once more with 0, which redraws the same day
     // a second time.
-    m_main.SetLogBookDate(m_main.LogBookDate().addDays(value));
-    SetDateCaption(m_main.FormatDateLong(m_main.LogBookDate()));
+    m_viewer.SetLogBookDate(m_viewer.LogBookDate().addDays(value));
     m_hscDate->setValue(0);
-    m_main.RefreshLogView();
+    m_viewer.RefreshLogView();
 }
 
 void LogPanel::cmdReset_Click()
 {
-    m_main.SetLogBookDate(m_main.Today());
-    m_main.RefreshLogView();
-    SetDateCaption(m_main.FormatDateLong(m_main.LogBookDate()));
+    m_viewer.SetLogBookDate(m_viewer.Today());
+    m_viewer.RefreshLogView();
 }
 
 void LogPanel::cmdCalendar_Click()
@@ -165,7 +177,7 @@ void LogPanel::cmdCalendar_Click()
     if (m_cmdCalendar->text() == u"Calendar...") {
         m_cmdCalendar->setText(QStringLiteral("Close Calendar"));
         m_calDate->setVisible(true);
-        m_calDate->SetCurrentDay(m_main.LogBookDate());
+        m_calDate->SetCurrentDay(m_viewer.LogBookDate());
     } else {
         m_cmdCalendar->setText(QStringLiteral("Calendar..."));
         m_calDate->setVisible(false);
@@ -176,8 +188,12 @@ void LogPanel::calDate_Click(QDate clickedDate)
 {
     if (!clickedDate.isValid())
         return;
-    m_main.SetLogBookDate(clickedDate);
-    SetDateCaption(m_main.FormatDateLong(m_main.LogBookDate()));
-    m_main.RefreshLogView();
+    m_viewer.SetLogBookDate(clickedDate);
+    m_viewer.RefreshLogView();
     cmdCalendar_Click();
+}
+
+void LogPanel::cmdPrint_Click()
+{
+    PrintLog(this, m_viewer, m_viewer.LogBookDate());
 }

@@ -11,27 +11,21 @@ class QPushButton;
 class QRadioButton;
 class QScrollBar;
 class QTextEdit;
-class frmMain;
+class LogViewer;
 
 // The logbook panel `picLog`: one day's log as formatted text, the day navigation (scroll
-// bar, "Today", the calendar whose days with logs carry a red dot), the logging switches,
-// which the writer reads at every entry, and "Print".
+// bar, "Today", the calendar whose days with logs carry a red dot), the logging switches
+// of the log writer, and "Print". It shows what the viewer and the writer announce.
 class LogPanel : public QFrame
 {
     Q_OBJECT
 public:
-    explicit LogPanel(frmMain& main, QWidget* parent = nullptr);
+    LogPanel(LogViewer& viewer, LogBook& log, QWidget* parent = nullptr);
 
     QCheckBox* LogCheck() const { return m_chkLog; }
     QPushButton* CloseButton() const { return m_cmdCloseLog; }
     MonthCalendar* Calendar() const { return m_calDate; }
-    QTextEdit* LogText() const { return m_txtLog; }
 
-    // `chkLog` from "LogOn"; `optSafetyOnly` from "LogSafetyOnly", `optAll` otherwise.
-    void SetSwitches(qint16 logOn, bool safetyOnly);
-    LogSwitches Switches() const;
-    qint16 LogOnValue() const;
-    bool SafetyOnlyValue() const;
     // The logging choices are usable only while logging is on.
     void EnableChoicesFromLogCheck();
     void SetDateCaption(const QString& text);
@@ -46,13 +40,18 @@ public:
     void cmdReset_Click();
     void cmdCalendar_Click();
     void calDate_Click(QDate clickedDate);
-
-signals:
-    void LogCheckClicked();
-    void PrintClicked();
+    void cmdPrint_Click();
 
 private:
-    frmMain& m_main;
+    // `chkLog` from the writer's "Enable Logging"; `optSafetyOnly` from its safety-only
+    // switch, `optAll` otherwise.
+    void ShowSwitches();
+    void TakeSwitches();
+    void ShowMarkedDays();
+
+    LogViewer& m_viewer;
+    LogBook& m_log;
+    bool m_showingSwitches = false;
     MonthCalendar* m_calDate;
     QCheckBox* m_chkLog;
     QRadioButton* m_optAll;

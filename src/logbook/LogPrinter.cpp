@@ -1,7 +1,13 @@
 #include "logbook/LogPrinter.h"
 
+#include "common/ErrorText.h"
+#include "logbook/LogViewer.h"
+#include "widgets/MessageBox.h"
 #include "widgets/PrintSetup.h"
+#include "widgets/frmPrinterSetup.h"
 
+#include <QApplication>
+#include <QFileDevice>
 #include <QFont>
 #include <QFontMetrics>
 #include <QPainter>
@@ -90,4 +96,30 @@ bool LogPrinter::PrintEmptyDocument(QPrinter& printer)
     head.SetFont(12, true);
     head.PrintLine(QString());
     return painter.end();
+}
+
+void PrintLog(QWidget* parent, LogViewer& viewer, QDate day)
+{
+    QString printerName;
+    if (!frmPrinterSetup::Ask(parent, printerName))
+        return; // "Cancel" prints nothing
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const auto failed = [&](int number, const QString& description) {
+        QApplication::restoreOverrideCursor();
+        MessageBox::Notice(parent, ErrorText(QStringLiteral("Error printing logbook"), number, description));
+    };
+    const LogViewer::PrintLines read = viewer.ReadPrintLines(day);
+    if (read.OpenError)
+        return failed(int(QFileDevice::OpenError), *read.OpenError);
+
+    QPrinter printer(QPrinter::HighResolution);
+    if (!printerName.isEmpty())
+        printer.setPrinterName(printerName);
+    const int printerError = 482;
+    if (!LogPrinter::PrintEmptyDocument(printer))
+        return failed(printerError, QStringLiteral("The printer could not start printing"));
+    QApplication::processEvents();
+    if (!LogPrinter::Print(printer, viewer.FormatDateLong(day), read.Lines))
+        return failed(printerError, QStringLiteral("The printer could not start printing"));
+    QApplication::restoreOverrideCursor();
 }

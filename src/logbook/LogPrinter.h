@@ -4,7 +4,9 @@
 #include <QString>
 #include <QStringList>
 
+class LogViewer;
 class QPrinter;
+class QWidget;
 
 // The printed logbook: on every page a heading block (from 2700 by 300 twips, Arial 12
 // bold: an empty line, "Tarrowind Logbook", "Entries for: " and the long date, "Page: " and
@@ -18,3 +20,7 @@ public:
     static bool PrintEmptyDocument(QPrinter& printer);
     static constexpr int LinesPerPage = 56;
 };
+
+// Prints a day's log on a printer chosen in "Select Printer"; "Cancel" prints nothing. A
+// failure is reported as "Error printing logbook".
+void PrintLog(QWidget* parent, LogViewer& viewer, QDate day);

@@ -1,6 +1,6 @@
 #include "logbook/frmNote.h"
 
-#include "shell/frmMain.h"
+#include "logbook/LogBook.h"
 #include "widgets/TimeBox.h"
 
 #include <QFormLayout>
@@ -10,11 +10,10 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include <exception>
-
-frmNote::frmNote(frmMain& main, QWidget* parent)
-    : QWidget(parent, Qt::Window), m_main(main), m_lblAlarm(new QLabel), m_txtNote(new QLineEdit),
-      m_edtTime(new TimeBox), m_cmdOK(new QPushButton(QStringLiteral("Record in Logbook"))),
+frmNote::frmNote(LogBook& log, SubjectSource subject, const QString& now, QWidget* parent)
+    : QWidget(parent, Qt::Window), m_log(log), m_subject(std::move(subject)), m_lblAlarm(new QLabel),
+      m_txtNote(new QLineEdit), m_edtTime(new TimeBox),
+      m_cmdOK(new QPushButton(QStringLiteral("Record in Logbook"))),
       m_cmdCancel(new QPushButton(QStringLiteral("Cancel")))
 {
     setObjectName(QStringLiteral("frmNote"));
@@ -54,23 +53,18 @@ frmNote::frmNote(frmMain& main, QWidget* parent)
     connect(m_txtNote, &QLineEdit::returnPressed, this, &frmNote::cmdOK_Click);
     connect(m_cmdCancel, &QPushButton::clicked, this, &frmNote::cmdCancel_Click);
 
-    m_edtTime->SetText(m_main.InternetNow());
-    try {
-        m_lblAlarm->setText(m_main.Alarms().At(m_main.Alarms().SelectedAlarm).Message);
-    } catch (const std::exception&) {
-        // No alarm selected: the label stays empty.
-    }
+    m_edtTime->SetText(now);
+    // With no alarm selected the label stays empty.
+    if (const auto alarm = m_subject())
+        m_lblAlarm->setText(alarm->Message);
 }
 
 void frmNote::cmdOK_Click()
 {
-    try {
-        const AlarmRecord& a = m_main.Alarms().At(m_main.Alarms().SelectedAlarm);
-        m_main.WriteLogEntry(QStringLiteral("NT"), a.Safety, a.Message + QStringLiteral(": "),
-                             m_txtNote->text(), QStringLiteral(" (") + m_edtTime->Text() + u')');
-    } catch (const std::exception&) {
-        // No alarm selected any more: nothing to record the note against.
-    }
+    // No alarm selected any more: nothing to record the note against.
+    if (const auto alarm = m_subject())
+        m_log.WriteLogEntry(QStringLiteral("NT"), alarm->Safety, alarm->Message + QStringLiteral(": "),
+                            m_txtNote->text(), QStringLiteral(" (") + m_edtTime->Text() + u')');
     close();
 }
 

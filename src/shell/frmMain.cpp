@@ -1,13 +1,20 @@
 // The main window's layout, faces, title, status bar and panels.
 #include "shell/frmMain.h"
 
+#include "alarms/AlarmDesk.h"
 #include "alarms/AlarmPanel.h"
 #include "alarms/AlarmSound.h"
+#include "alarms/AlarmWindows.h"
 #include "calc/CalcPanel.h"
 #include "clock/Clock.h"
+#include "clock/ZoneClock.h"
+#include "logbook/LogBook.h"
 #include "logbook/LogPanel.h"
+#include "logbook/LogViewer.h"
+#include "platform/PlatformServices.h"
 #include "platform/WindowFlash.h"
 #include "props/frmClockProps.h"
+#include "settings/Preferences.h"
 #include "shell/ClockPanel.h"
 #include "sun/SolarEvents.h"
 #include "sun/frmSSTables.h"
@@ -29,15 +36,19 @@
 
 frmMain::frmMain(const MainServices& services, QWidget* parent)
     : QWidget(parent), m_clock(services.clock), m_store(services.store), m_locale(services.locale),
-      m_soundFolders(services.soundFolders),
+      m_platform(services.platform), m_preferences(std::make_unique<Preferences>()),
       m_log(std::make_unique<LogBook>(services.logFolder, services.clock, services.locale)),
-      m_makeSound(services.makeSound ? services.makeSound
-                                     : [](QObject* owner) { return AlarmSound::Create(owner); }),
-      m_flash(services.flash ? services.flash : std::shared_ptr<WindowFlash>(WindowFlash::Create()))
+      m_viewer(std::make_unique<LogViewer>(*m_log, services.clock, services.locale)),
+      m_alarms(std::make_unique<AlarmDesk>(services.store, *m_log, services.clock, *m_preferences)),
+      m_alarmWindows(std::make_unique<AlarmWindows>(*m_alarms, *m_preferences, services.soundFolders,
+                                                    services.makeSound, *services.platform.flash, this))
 {
     setObjectName(QStringLiteral("frmMain"));
     setWindowIcon(AppIcon());
+    // Entries carry the corrected time of day.
+    m_log->SetTimeSource([this]() -> QString { return InternetNow(); });
     BuildLayout();
+    ConnectOwners();
 
     m_tmrMain.setObjectName(QStringLiteral("tmrMain"));
     m_tmrMain.setSingleShot(true);
@@ -48,14 +59,19 @@ frmMain::frmMain(const MainServices& services, QWidget* parent)
     });
 }
 
-frmMain::~frmMain() = default;
+frmMain::~frmMain()
+{
+    // The panels and windows refer to the owners: they go first.
+    m_clockProps.reset();
+    qDeleteAll(findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
+}
 
 void frmMain::BuildLayout()
 {
     m_picMain = new ClockPanel(this);
     m_picCalc = new CalcPanel(this);
-    m_picAlarm = new AlarmPanel(*this, this);
-    m_picLog = new LogPanel(*this, this);
+    m_picAlarm = new AlarmPanel(*m_alarms, *m_alarmWindows, *m_preferences, this);
+    m_picLog = new LogPanel(*m_viewer, *m_log, this);
     m_stsBar = new KeyedStatusBar(this);
     m_stsBar->setObjectName(QStringLiteral("stsBar"));
     m_stsBar->AddPanel(QStringLiteral("Calc"), QStringLiteral("Calc"), QStringLiteral("Calculate Times"));
@@ -86,15 +102,53 @@ void frmMain::BuildLayout()
     // second-zone boxes from the home zone of the properties dialog.
     m_picCalc->SetNowSource([this]() -> QString { return InternetNow(); });
     m_picCalc->SetHomeZoneSource([this]() -> CalcHomeZone {
-        return {LocalZoneOffset(), m_settings.DayLight};
+        return {LocalZoneOffset(), m_preferences->Values().DayLight};
     });
     connect(m_picAlarm->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picAlarm); });
     connect(m_picLog->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picLog); });
-    connect(m_picLog, &LogPanel::PrintClicked, this, [this] { PrintLog(m_logBookDate); });
-    connect(m_picLog, &LogPanel::LogCheckClicked, this, [this] {
+}
+
+void frmMain::ConnectOwners()
+{
+    // The list and the editor follow the table first (connected by the panel), then the
+    // title and the status line.
+    connect(m_alarms.get(), &AlarmDesk::TableChanged, this, [this] {
+        ShowTitle();
         ShowStatus();
-        m_picLog->EnableChoicesFromLogCheck();
     });
+    // Alarm events are logged: the view shows them.
+    connect(m_alarms.get(), &AlarmDesk::AlarmsRang, m_viewer.get(), &LogViewer::RefreshLogView);
+    connect(m_alarmWindows.get(), &AlarmWindows::Answered, m_viewer.get(), &LogViewer::RefreshLogView);
+    connect(m_log.get(), &LogBook::SwitchesChanged, this, &frmMain::ShowStatus);
+    // Failures of the owners are reported in the program's one message form.
+    connect(m_alarms.get(), &AlarmDesk::Failed, this, &frmMain::Report);
+    connect(m_log.get(), &LogBook::Failed, this, &frmMain::Report);
+    connect(m_viewer.get(), &LogViewer::Failed, this, &frmMain::Report);
+    // Once running, a change of the preferences shows at once.
+    connect(m_preferences.get(), &Preferences::Changed, this, [this] {
+        if (!m_loaded || m_stopped)
+            return;
+        SetTimes();
+        ShowTitle();
+        ShowStatus();
+        SyncCheck(0);
+    });
+}
+
+void frmMain::Report(const QString& message)
+{
+    MessageBox::Notice(this, message);
+}
+
+QFont frmMain::ClockFont() const
+{
+    const Settings& values = m_preferences->Values();
+    QFont font;
+    font.setFamily(values.FontName);
+    font.setPointSizeF(values.FontSize);
+    font.setItalic(values.FontItalic);
+    font.setBold(values.FontBold);
+    return font;
 }
 
 frmClockProps& frmMain::ClockProps()
@@ -104,23 +158,24 @@ frmClockProps& frmMain::ClockProps()
     return *m_clockProps;
 }
 
-QString frmMain::FormatDateLong(QDate date) const
+int frmMain::LocalZoneOffset() const
 {
-    return m_locale.toString(date, QLocale::LongFormat);
-}
-
-int frmMain::LocalZoneOffset()
-{
-    // The item data of the properties dialog's zone list; a zone outside it reads as UTC.
-    return ClockProps().TimeZoneList()->itemData(m_settings.Zone).toInt();
+    // A zone outside the table reads as UTC.
+    const qint32 zone = m_preferences->Values().Zone;
+    return zone >= 0 && zone < ZoneCount ? Zones.at(std::size_t(zone)).Offset : 0;
 }
 
 QString frmMain::InternetNow() const
 {
-    return ::InternetNow(m_clock, m_settings.InetMinOffset);
+    return m_alarms->InternetNow();
 }
 
 void frmMain::FillZoneLists()
+{
+    FillZoneLists(m_preferences->Values().Zone);
+}
+
+void frmMain::FillZoneLists(int zone)
 {
     QComboBox* zones = ClockProps().TimeZoneList();
     zones->clear();
@@ -128,7 +183,7 @@ void frmMain::FillZoneLists()
         return;
     for (int i = 0; i < ZoneCount; ++i)
         zones->addItem(ZoneLongName(i), Zones.at(std::size_t(i)).Offset);
-    zones->setCurrentIndex(m_settings.Zone >= 0 && m_settings.Zone < ZoneCount ? m_settings.Zone : -1);
+    zones->setCurrentIndex(zone >= 0 && zone < ZoneCount ? zone : -1);
 
     // The calculator's list is filled once per run and starts on UTC.
     QComboBox* calcZones = m_picCalc->ZoneList();
@@ -139,28 +194,35 @@ void frmMain::FillZoneLists()
     calcZones->setCurrentIndex(calcZones->count() - 1);
 }
 
+void frmMain::ShowFaceStyle()
+{
+    const Settings& values = m_preferences->Values();
+    const QFont clockFont = ClockFont();
+    QFont secondsFont = m_picMain->Seconds()->font();
+    secondsFont.setFamily(clockFont.family());
+    secondsFont.setPointSizeF(clockFont.pointSizeF() * 0.9);
+    m_picMain->Seconds()->setFont(secondsFont);
+    const ColourValue fore = ParseInt32(values.ForeColor).value_or(White);
+    for (int i = 0; i < ZoneCount; ++i) {
+        m_picMain->Face(i)->setFont(clockFont);
+        m_picMain->SetFaceColours(i, fore, values.BackColor);
+    }
+}
+
 void frmMain::SetTimes()
 {
     try {
         FillZoneLists();
-        QFont secondsFont = m_picMain->Seconds()->font();
-        secondsFont.setFamily(m_clockFont.family());
-        secondsFont.setPointSizeF(m_clockFont.pointSizeF() * 0.9);
-        for (int i = 0; i < ZoneCount; ++i) {
-            m_picMain->Face(i)->setFont(m_clockFont);
-            m_picMain->SetFaceColours(i, m_foreColour, m_settings.BackColor);
-        }
-        m_picMain->Seconds()->setFont(secondsFont);
-        m_picMain->SetLocalZone(m_settings.Zone);
+        ShowFaceStyle();
+        const Settings& values = m_preferences->Values();
+        m_picMain->SetLocalZone(values.Zone);
 
-        // The offsets are the item data of the properties dialog's zone list.
-        QComboBox* zones = ClockProps().TimeZoneList();
         std::array<int, ZoneCount> offsets{};
-        for (int i = 0; i < ZoneCount && i < zones->count(); ++i)
-            offsets[std::size_t(i)] = zones->itemData(i).toInt();
+        for (int i = 0; i < ZoneCount; ++i)
+            offsets[std::size_t(i)] = Zones.at(std::size_t(i)).Offset;
         const QTime now = QTime::fromString(InternetNow(), QStringLiteral("HH:mm"));
         for (int i = 0; i < ZoneCount; ++i) {
-            const auto text = ZoneFaceTime(now, i, m_settings.Zone, offsets, m_settings.DayLight != 0);
+            const auto text = ZoneFaceTime(now, i, values.Zone, offsets, values.DayLight != 0);
             if (!text)
                 return; // a zone outside the table: the faces keep their text until next minute
             m_picMain->Face(i)->setText(*text);
@@ -173,8 +235,9 @@ void frmMain::SetTimes()
 
 void frmMain::ShowSyncColours()
 {
+    const Settings& values = m_preferences->Values();
     const auto colour =
-        UtcFaceRuleColour(m_settings.UTCRule != 0, m_settings.AutoSync != 0, m_picMain->SyncButtonBack(),
+        UtcFaceRuleColour(values.UTCRule != 0, values.AutoSync != 0, m_picMain->SyncButtonBack(),
                           m_picMain->FaceBack(1), m_picMain->FaceBack(UtcZone));
     if (colour)
         m_picMain->SetFaceColours(UtcZone, *colour, m_picMain->FaceBack(UtcZone));
@@ -187,42 +250,44 @@ void frmMain::SyncCheck(int mode)
     if (mode != 0)
         return;
     m_picMain->SetSyncButtonColour(SyncButtonColour(m_synchronised));
-    m_picMain->SyncButton()->setToolTip(NextSyncToolTip(m_settings.LastSync, m_settings.AutoSyncHrs));
+    const Settings& values = m_preferences->Values();
+    m_picMain->SyncButton()->setToolTip(NextSyncToolTip(values.LastSync, values.AutoSyncHrs));
     ShowSyncColours();
 }
 
 void frmMain::ShowTitle()
 {
     const QString date = m_locale.toString(m_clock.Today(), QStringLiteral("dddd MMMM dd,yyyy "));
-    const QString marker =
-        m_settings.DayLight == 1 ? QStringLiteral("[Daylight Time]") : QStringLiteral("[Standard Time]");
+    const QString marker = m_preferences->Values().DayLight == 1 ? QStringLiteral("[Daylight Time]")
+                                                                 : QStringLiteral("[Standard Time]");
     setWindowTitle(QStringLiteral("Tarrowind --") + date + marker);
 }
 
 void frmMain::ShowStatus()
 {
+    const AlarmTable& table = m_alarms->Table();
     const QString text =
-        QString::number(m_alarms.AlarmCount) + QStringLiteral(" alarms, ") +
-        QString::number(m_alarms.SetCount()) +
-        (m_picLog->LogCheck()->isChecked() ? QStringLiteral(" set, Logging On")
-                                           : QStringLiteral(" set, Logging Off")) +
-        (m_settings.AutoSync != 0 ? QStringLiteral(", Internet Clock") : QStringLiteral(", System Clock"));
+        QString::number(table.AlarmCount) + QStringLiteral(" alarms, ") + QString::number(table.SetCount()) +
+        (m_log->Switches().LogOn ? QStringLiteral(" set, Logging On") : QStringLiteral(" set, Logging Off")) +
+        (m_preferences->Values().AutoSync != 0 ? QStringLiteral(", Internet Clock")
+                                               : QStringLiteral(", System Clock"));
     m_stsBar->SetPanelText(QStringLiteral("Status"), text);
 }
 
 void frmMain::ShowSunLine()
 {
+    const Settings& values = m_preferences->Values();
     // Sunrise and sunset need valid coordinates; a latitude of 0 degrees counts as none.
-    if (m_settings.LatDeg.toDouble() == 0 || !m_coordinatesValid) {
+    if (values.LatDeg.toDouble() == 0 || !m_coordinatesValid) {
         m_picCalc->SetSunLine(QStringLiteral("Sunrise/Sunset\r(no coordinates)"));
         return;
     }
     // Hours west of Greenwich of the local zone, one less in daylight time.
-    const int zoneHours = std::abs(LocalZoneOffset()) - (m_settings.DayLight != 0 ? 1 : 0);
-    const SunTimes times = ComputeSunTimes(
-        qint16(m_settings.LatDeg.toInt()), qint16(m_settings.LatMin.toInt()), QStringLiteral("N"),
-        qint16(m_settings.LongDeg.toInt()), qint16(m_settings.LongMin.toInt()), QStringLiteral("W"),
-        qint16(zoneHours), m_clock.Today());
+    const int zoneHours = std::abs(LocalZoneOffset()) - (values.DayLight != 0 ? 1 : 0);
+    const SunTimes times =
+        ComputeSunTimes(qint16(values.LatDeg.toInt()), qint16(values.LatMin.toInt()), QStringLiteral("N"),
+                        qint16(values.LongDeg.toInt()), qint16(values.LongMin.toInt()), QStringLiteral("W"),
+                        qint16(zoneHours), m_clock.Today());
     m_picCalc->SetSunLine(QStringLiteral("Sunrise: ") + times.Rise + QStringLiteral("\rSunset:  ") +
                           times.Set);
 }
@@ -230,7 +295,7 @@ void frmMain::ShowSunLine()
 void frmMain::cmdTables_Click()
 {
     try {
-        frmSSTables tables(m_settings, this);
+        frmSSTables tables(m_preferences->Values(), this);
         tables.exec();
     } catch (const std::exception& error) {
         MessageBox::Notice(this, QStringLiteral("Unable to show the tables: ") +
@@ -280,18 +345,18 @@ void frmMain::stsBar_PanelClick(const QString& key)
                 ClosePanel(m_picLog);
                 return;
             }
-            RefreshLogView();
+            m_viewer->RefreshLogView();
             OpenPanel(m_picLog);
             m_picLog->EnableChoicesFromLogCheck();
         } else if (key == u"Props") {
             frmClockProps& props = ClockProps();
-            props.FillOwnZoneList(m_settings.Zone);
+            props.FillOwnZoneList(m_preferences->Values().Zone);
             SetTopMost(&props, true);
             props.exec();
             ShowStatus();
         } else if (key == u"Exit") {
             close();
-            SaveAlarms();
+            m_alarms->SaveAlarms();
         }
     } catch (const std::exception&) {
         // A failing click ends quietly.

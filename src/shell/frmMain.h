@@ -1,38 +1,35 @@
 #pragma once
 
-#include "alarms/AlarmTable.h"
-#include "clock/ZoneClock.h"
-#include "logbook/LogBook.h"
-#include "settings/Settings.h"
-
 #include <QDate>
 #include <QFont>
 #include <QLocale>
-#include <QPointer>
-#include <QSet>
 #include <QStringList>
 #include <QTimer>
 #include <QWidget>
 
-#include <array>
 #include <functional>
 #include <memory>
 
+class AlarmDesk;
 class AlarmPanel;
 class AlarmSound;
-class WindowFlash;
-class frmAlarm;
+class AlarmWindows;
 class CalcPanel;
 class Clock;
 class ClockPanel;
 class KeyedStatusBar;
+class LogBook;
 class LogPanel;
+class LogViewer;
+class Preferences;
 class SettingsStore;
 class frmClockProps;
+struct PlatformServices;
 
 // What the main window is given from outside: the clock, the settings store, where the
-// logs live, the locale of dates, where the program's own sounds are installed, and the
-// sound player and window flash of this system (left empty, the system's own are used).
+// logs live, the locale of dates, where the program's own sounds are installed, the sound
+// player of this system and the operating system's services. main.cpp creates them; tests
+// hand in their own.
 struct MainServices
 {
     const Clock& clock;
@@ -40,12 +37,14 @@ struct MainServices
     QString logFolder;
     QLocale locale;
     QStringList soundFolders;
-    std::function<std::unique_ptr<AlarmSound>(QObject*)> makeSound = {};
-    std::shared_ptr<WindowFlash> flash = {};
+    std::function<std::unique_ptr<AlarmSound>(QObject*)> makeSound;
+    PlatformServices& platform;
 };
 
-// The main window: the clock panel, the three working panels and the status bar. It owns
-// the program-wide state for the whole run and drives every face and alarm from its tick.
+// The main window: it places the clock panel, the three working panels and the status
+// bar, and runs the half-second tick and the work of each minute. The program-wide state
+// lives in the owners it creates and holds for the whole run (preferences, log, viewer,
+// alarms); the panels and windows are handed the owners they use.
 class frmMain : public QWidget
 {
     Q_OBJECT
@@ -69,7 +68,7 @@ public:
     void EndSession();
     void StopProgram();
 
-    // Shared routines.
+    // Shared routines of the main window.
     void SetTimes();
     void ShowTitle();
     void ShowStatus();
@@ -77,37 +76,6 @@ public:
     void ShowSyncColours();
     void SyncCheck(int mode);
     QString InternetNow() const;
-    void LoadAlarms();
-    void SaveAlarms();
-    void RefreshAlarmList();
-    void OpenTodaysLog();
-    void WriteLogEntry(const QString& code, qint16 safety, const QString& text1, const QString& text2,
-                       const QString& text3);
-    void MarkAvailableLogs();
-    // Redraws the logbook view for the day it shows (LogBookDate), through "LogBook.rtf".
-    void RefreshLogView();
-    void SetLogBookDate(QDate day) { m_logBookDate = day; }
-    // Prints a day's log on a printer chosen in "Select Printer".
-    void PrintLog(QDate day);
-    QDate Today() const;
-    QString FormatDateLong(QDate date) const;
-
-    // Alarm routines shared by the alarm panel, the alarm windows and the note window.
-    QDateTime InternetDateTimeNow() const;
-    void CalcExpire(const QString& etime, int ptr);
-    void DeleteAlarm(int ptr);
-    void SetSelectedAlarm();
-    void ShowAlarmWindow(int n);
-    void StartCheckIn(int n);
-    void RelayoutAlarmWindows();
-    void AlarmWindowClosed(frmAlarm* window);
-    void OpenNote();
-    void FlashMainWindow();
-    std::unique_ptr<AlarmSound> MakeSound(QObject* parent) const;
-    // The default sound file, found as at start-up (an empty text when there is none).
-    QString DefaultSoundFile() const;
-    frmAlarm* AlarmWindow(int n) const;
-    QList<frmAlarm*> OpenAlarmWindows() const;
 
     // Status bar and panels.
     void stsBar_PanelClick(const QString& key);
@@ -116,18 +84,14 @@ public:
     void imgOnTop_Click();
     void imgNotTop_Click();
 
-    // State read by the other windows and by tests.
-    Settings& Values() { return m_settings; }
-    AlarmTable& Alarms() { return m_alarms; }
+    // The owners of the program's state, for the shell's own use and for tests.
+    Preferences& Prefs() { return *m_preferences; }
+    AlarmDesk& Alarms() { return *m_alarms; }
+    AlarmWindows& Windows() { return *m_alarmWindows; }
     LogBook& Log() { return *m_log; }
-    bool IsLoaded() const { return m_loaded; }
+    LogViewer& Viewer() { return *m_viewer; }
     bool IsStopped() const { return m_stopped; }
-    bool Synchronised() const { return m_synchronised; }
     void SetSynchronised(bool value) { m_synchronised = value; }
-    const QSet<QDate>& MarkedLogDays() const;
-    QDate LogBookDate() const { return m_logBookDate; }
-    ColourValue ForeColour() const { return m_foreColour; }
-    const QFont& ClockFont() const { return m_clockFont; }
     // Milliseconds from `now` to the next .000 or .500 of a second.
     static int MsecToNextHalfSecond(const QTime& now);
 
@@ -137,26 +101,32 @@ protected:
 
 private:
     void BuildLayout();
+    void ConnectOwners();
     void ArmTick();
     bool QueryUnload();
     void OpenPanel(QWidget* panel);
     void ClosePanel(QWidget* panel);
     void CloseOpenPanel();
     void ShowSunLine();
+    void ShowFaceStyle();
+    void FillZoneLists(int zone);
+    void Report(const QString& message);
+    // The clock faces' font, from the preferences.
+    QFont ClockFont() const;
     // Hours from UTC of the local zone in standard time.
-    int LocalZoneOffset();
+    int LocalZoneOffset() const;
     frmClockProps& ClockProps();
 
     const Clock& m_clock;
     SettingsStore& m_store;
     QLocale m_locale;
-    QStringList m_soundFolders;
+    PlatformServices& m_platform;
+    std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<LogBook> m_log;
+    std::unique_ptr<LogViewer> m_viewer;
+    std::unique_ptr<AlarmDesk> m_alarms;
+    std::unique_ptr<AlarmWindows> m_alarmWindows;
 
-    Settings m_settings;
-    AlarmTable m_alarms;
-    QFont m_clockFont;
-    ColourValue m_foreColour = White;
     bool m_coordinatesValid = false;
     bool m_loaded = false;
     bool m_stopped = false;
@@ -165,7 +135,6 @@ private:
     bool m_clockBeingSet = false;
     QDate m_lastDate;
     int m_lastMinute = -1;
-    QDate m_logBookDate;
 
     ClockPanel* m_picMain = nullptr;
     CalcPanel* m_picCalc = nullptr;
@@ -174,11 +143,5 @@ private:
     KeyedStatusBar* m_stsBar = nullptr;
     QWidget* m_openPanel = nullptr;
     std::unique_ptr<frmClockProps> m_clockProps;
-    std::function<std::unique_ptr<AlarmSound>(QObject*)> m_makeSound;
-    std::shared_ptr<WindowFlash> m_flash;
-    // The alarm windows by alarm number (slot 1 first), and every open one in the order
-    // they were opened.
-    std::array<QPointer<frmAlarm>, MaxAlarms> m_alarmWindows{};
-    QList<QPointer<frmAlarm>> m_openAlarmWindows;
     QTimer m_tmrMain{this};
 };

@@ -1,12 +1,16 @@
 // The main window's life: start-up, the tick and the minute's work, the system's notices,
 // the close question and the shutdown.
-#include "alarms/AlarmLogic.h"
+#include "alarms/AlarmDesk.h"
 #include "alarms/AlarmPanel.h"
+#include "alarms/AlarmWindows.h"
 #include "alarms/SoundFile.h"
 #include "alarms/frmAlarm.h"
 #include "calc/CalcPanel.h"
 #include "clock/Clock.h"
+#include "logbook/LogBook.h"
 #include "logbook/LogPanel.h"
+#include "logbook/LogViewer.h"
+#include "settings/Preferences.h"
 #include "settings/SettingsStore.h"
 #include "shell/ClockPanel.h"
 #include "shell/frmMain.h"
@@ -35,8 +39,7 @@ bool frmMain::Load()
 {
     int step = 0;
     try {
-        step = 1;
-        m_clockFont = QFont();
+        step = 1; // the clock font is made from the preferences when it is used
 
         step = 2;
         m_picCalc->setVisible(false);
@@ -44,8 +47,7 @@ bool frmMain::Load()
         m_picLog->setVisible(false);
 
         step = 3;
-        m_logBookDate = m_clock.Today();
-        m_picLog->SetDateCaption(FormatDateLong(m_logBookDate));
+        m_viewer->SetLogBookDate(m_clock.Today());
 
         step = 4;
         setWindowTitle(QStringLiteral("Tarrowind"));
@@ -62,72 +64,64 @@ bool frmMain::Load()
             MessageBox::Notice(this, SettingsErrorMessage(*read.Error));
             return false;
         }
-        m_settings = std::move(read.Values);
-        m_clockFont.setFamily(m_settings.FontName);
-        m_clockFont.setPointSizeF(m_settings.FontSize);
-        m_clockFont.setItalic(m_settings.FontItalic);
-        m_clockFont.setBold(m_settings.FontBold);
+        m_preferences->Replace(std::move(read.Values));
 
         step = 6;
-        if (ResolveSoundFile(m_settings.Sound, m_soundFolders).isEmpty()) {
-            m_settings.Audible = 0;
-            MessageBox::Notice(
-                this, QStringLiteral("Notice - Can not find sound file: ") + m_settings.Sound + u'\r' +
-                          QStringLiteral("Sound turned off. Select a new default sound file in "
-                                         "Properties"));
+        if (m_alarmWindows->DefaultSoundFile().isEmpty()) {
+            m_preferences->Change([](Settings& values) { values.Audible = 0; });
+            MessageBox::Notice(this,
+                               QStringLiteral("Notice - Can not find sound file: ") +
+                                   m_preferences->Values().Sound + u'\r' +
+                                   QStringLiteral("Sound turned off. Select a new default sound file in "
+                                                  "Properties"));
         }
 
         step = 10;
-        m_picLog->SetSwitches(m_settings.LogOn, m_settings.LogSafetyOnly);
+        m_log->SetSwitches({m_preferences->Values().LogOn == 1, m_preferences->Values().LogSafetyOnly});
 
-        step = 12;
-        if (m_settings.Audible != 1)
-            m_picAlarm->SetSoundChoicesEnabled(false);
+        step = 12; // the alarm panel's sound choices follow "Audible"
 
         step = 13;
-        if (m_settings.ForeColor.isEmpty())
-            m_settings.ForeColor = QString::number(White);
-        const auto fore = ParseInt32(m_settings.ForeColor);
-        if (!fore)
+        if (m_preferences->Values().ForeColor.isEmpty())
+            m_preferences->Change([](Settings& values) { values.ForeColor = QString::number(White); });
+        if (!ParseInt32(m_preferences->Values().ForeColor))
             throw LoadStepError();
-        m_foreColour = *fore;
 
         step = 15; // step 14, the faces' tags, is part of the clock panel
         ShowTitle();
 
         step = 16;
-        const qint32 zone = m_settings.Zone;
-        m_settings.Zone = 1;
-        FillZoneLists();
-        m_settings.Zone = zone;
+        // The lists are first filled as for the second zone; SetTimes shows the real one.
+        FillZoneLists(1);
 
         step = 18; // step 17: the capacity is MaxAlarms
-        LoadAlarms();
-        m_alarms.SelectedAlarm = 1;
-        if (m_alarms.AlarmCount > 0)
-            SetSelectedAlarm();
+        m_alarms->LoadAlarms();
+        m_alarms->Table().SelectedAlarm = 1;
+        if (m_alarms->Table().AlarmCount > 0)
+            m_alarms->SetSelectedAlarm();
 
         step = 19;
+        const Settings& values = m_preferences->Values();
         m_coordinatesValid =
-            ValidateCoordinates(m_settings.LatDeg, m_settings.LatMin, m_settings.LongDeg, m_settings.LongMin)
-                .isEmpty();
+            ValidateCoordinates(values.LatDeg, values.LatMin, values.LongDeg, values.LongMin).isEmpty();
 
         step = 20;
-        MarkAvailableLogs();
+        m_viewer->MarkAvailableLogs();
 
         step = 21;
-        OpenTodaysLog();
+        m_log->OpenTodaysLog();
 
         step = 22;
+        const QFont clockFont = ClockFont();
         QFont secondsFont = m_picMain->Seconds()->font();
-        secondsFont.setFamily(m_clockFont.family());
-        secondsFont.setPointSizeF(m_clockFont.pointSizeF() * 0.9);
+        secondsFont.setFamily(clockFont.family());
+        secondsFont.setPointSizeF(clockFont.pointSizeF() * 0.9);
         m_picMain->Seconds()->setFont(secondsFont);
         for (int i = 0; i < ZoneCount; ++i)
-            m_picMain->Face(i)->setFont(m_clockFont);
+            m_picMain->Face(i)->setFont(clockFont);
 
         step = 23;
-        WriteLogEntry(QStringLiteral("ST"), 0, QStringLiteral("Start program"), QString(), QString());
+        m_log->WriteLogEntry(QStringLiteral("ST"), 0, QStringLiteral("Start program"), QString(), QString());
 
         step = 24;
         ClockProps();
@@ -139,9 +133,9 @@ bool frmMain::Load()
         m_loaded = true;
 
         step = 27;
-        m_picMain->SyncButton()->setVisible(m_settings.AutoSync != 0);
+        m_picMain->SyncButton()->setVisible(m_preferences->Values().AutoSync != 0);
         m_synchronised = true;
-        if (m_settings.AutoSync != 0)
+        if (m_preferences->Values().AutoSync != 0)
             SyncCheck(1);
         SyncCheck(0);
 
@@ -203,35 +197,15 @@ void frmMain::CheckAlarms(int hour, int minute)
             return;
         m_lastMinute = minute;
 
-        // Every set alarm due this minute goes off, lower numbers first, each with its own
-        // window. The count is read again at each step: a window may change the table.
-        bool expired = false;
-        for (int n = 1; n <= m_alarms.AlarmCount; ++n) {
-            if (!ExpiresAt(m_alarms.At(n), hour, minute))
-                continue;
-            ShowAlarmWindow(n);
-            if (m_stopped)
-                return; // the program was ended while a message was open
-            m_alarms.At(n).Ringing = true;
-            expired = true;
-            const AlarmRecord& a = m_alarms.At(n);
-            WriteLogEntry(QStringLiteral("EA"), a.Safety, QString::fromUtf16(AlarmLogText::Expired),
-                          a.Message, QString());
-            if (m_stopped)
-                return;
-        }
-        if (expired) {
-            RelayoutAlarmWindows();
-            RefreshAlarmList();
-            RefreshLogView();
-            // The ringing alarm's buttons are locked in the editor.
-            SetSelectedAlarm();
-        }
+        // Every set alarm due this minute goes off, each with its own window.
+        m_alarms->ScanExpiries(hour, minute);
+        if (m_stopped)
+            return; // the program was ended while a message was open
 
-        if (m_settings.AutoSync != 0)
+        if (m_preferences->Values().AutoSync != 0)
             SyncCheck(1);
         if (minute % 15 == 0)
-            SaveAlarms();
+            m_alarms->SaveAlarms();
         handleDayChange();
         ShowTitle();
     } catch (const std::exception&) {
@@ -244,14 +218,14 @@ void frmMain::NewDay()
     // The day this was done for: start-up's call counts, so the first minute does not redo it.
     m_lastDate = m_clock.Today();
     m_log->CloseTodaysLog();
-    OpenTodaysLog();
-    RefreshLogView();
+    m_log->OpenTodaysLog();
+    m_viewer->RefreshLogView();
 }
 
 bool frmMain::SysInfo1_QuerySuspend()
 {
-    SaveAlarms();
-    if (m_alarms.SetCount() == 0)
+    m_alarms->SaveAlarms();
+    if (m_alarms->Table().SetCount() == 0)
         return true;
     return MessageBox::AskYesNo(
                this,
@@ -272,8 +246,8 @@ void frmMain::SysInfo1_TimeChanged()
 
 bool frmMain::QueryUnload()
 {
-    SaveAlarms();
-    if (m_alarms.SetCount() == 0)
+    m_alarms->SaveAlarms();
+    if (m_alarms->Table().SetCount() == 0)
         return true;
     m_closeQuestionOpen = true;
     const auto answer =
@@ -284,7 +258,7 @@ bool frmMain::QueryUnload()
         return true; // the program was ended while the question was open
     if (answer != MessageBox::Answer::Yes)
         return false;
-    WriteLogEntry(QStringLiteral("EX"), 0, QStringLiteral("Exit program"), QString(), QString());
+    m_log->WriteLogEntry(QStringLiteral("EX"), 0, QStringLiteral("Exit program"), QString(), QString());
     return true;
 }
 
@@ -316,21 +290,20 @@ void frmMain::StopProgram()
     if (m_stopped)
         return;
     m_stopped = true;
+    m_alarms->Stop();
     m_tmrMain.stop();
 
-    m_settings.FontName = m_clockFont.family();
-    m_settings.FontSize = m_clockFont.pointSizeF();
-    m_settings.FontBold = m_clockFont.bold();
-    m_settings.FontItalic = m_clockFont.italic();
-    m_settings.LogOn = m_picLog->LogOnValue();
-    m_settings.LogSafetyOnly = m_picLog->SafetyOnlyValue();
-    WriteSettings(m_store, m_settings);
-    SaveAlarms();
+    // The logging switches are the writer's; every other value is kept by the preferences.
+    Settings values = m_preferences->Values();
+    values.LogOn = m_log->Switches().LogOn ? 1 : 0;
+    values.LogSafetyOnly = m_log->Switches().SafetyOnly;
+    WriteSettings(m_store, values);
+    m_alarms->SaveAlarms();
     m_log->CloseTodaysLog();
 
     // From here on nothing may keep the program alive: close every other window, the
     // alarm windows last opened first.
-    const QList<frmAlarm*> alarmWindows = OpenAlarmWindows();
+    const QList<frmAlarm*> alarmWindows = m_alarmWindows->OpenAlarmWindows();
     for (auto it = alarmWindows.crbegin(); it != alarmWindows.crend(); ++it)
         (*it)->close();
     const QWidgetList windows = QApplication::topLevelWidgets();
@@ -340,49 +313,13 @@ void frmMain::StopProgram()
             window->close();
     }
     // Closing a safety alarm's window records the location typed in it: keep it.
-    SaveAlarms();
-}
-
-void frmMain::LoadAlarms()
-{
-    m_alarms.Load(m_store);
-    RefreshAlarmList();
-}
-
-void frmMain::SaveAlarms()
-{
-    m_alarms.Save(m_store);
-    if (!m_store.Sync())
-        MessageBox::Notice(this, QStringLiteral("Error saving the alarms to ") + m_store.FileName());
-}
-
-void frmMain::RefreshAlarmList()
-{
-    m_alarms.BlankUnsetExpiries();
-    m_picAlarm->RefreshRows();
-    ShowTitle();
-    ShowStatus();
-}
-
-void frmMain::OpenTodaysLog()
-{
-    if (const auto error = m_log->OpenTodaysLog())
-        MessageBox::Notice(this, *error);
-}
-
-void frmMain::WriteLogEntry(const QString& code, qint16 safety, const QString& text1, const QString& text2,
-                            const QString& text3)
-{
-    const auto error =
-        m_log->WriteLogEntry(code, safety, text1, text2, text3, InternetNow(), m_picLog->Switches());
-    if (error)
-        MessageBox::Notice(this, *error);
+    m_alarms->SaveAlarms();
 }
 
 void frmMain::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
-        m_picMain->SyncButton()->setVisible(m_settings.AutoSync != 0);
+        m_picMain->SyncButton()->setVisible(m_preferences->Values().AutoSync != 0);
         ShowSyncColours();
     }
     QWidget::changeEvent(event);

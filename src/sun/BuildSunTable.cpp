@@ -1,8 +1,8 @@
 #include "sun/BuildSunTable.h"
 
-#include "logbook/frmPrinterSetup.h"
 #include "sun/SunTablePrinter.h"
 #include "widgets/MessageBox.h"
+#include "widgets/frmPrinterSetup.h"
 
 #include <QApplication>
 #include <QPrinter>

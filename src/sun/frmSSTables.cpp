@@ -1,7 +1,7 @@
 #include "sun/frmSSTables.h"
 
+#include "common/ErrorText.h"
 #include "settings/Settings.h"
-#include "shell/ErrorText.h"
 #include "sun/BuildSunTable.h"
 #include "sun/SolarEvents.h"
 #include "sun/frmView.h"

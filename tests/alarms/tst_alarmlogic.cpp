@@ -72,20 +72,6 @@ private slots:
                     QVERIFY(!ExpiresAt(SetAlarm(QStringLiteral("a"), QString::fromLatin1(expire)), h, m));
     }
 
-    void alarmsDueInTheSameMinuteComeLowestFirst()
-    {
-        AlarmTable table;
-        table.AlarmCount = 6;
-        for (int n = 1; n <= 6; ++n)
-            table.At(n) = SetAlarm(QStringLiteral("A%1").arg(n), QStringLiteral("09:00"));
-        table.At(2).Expire = QStringLiteral("10:15");
-        table.At(5).Expire = QStringLiteral("10:15");
-        table.At(6).Expire = QStringLiteral("10:15");
-        table.At(6).AlarmSet = false;
-        QCOMPARE(DueAlarms(table, 10, 15), (QList<int>{2, 5}));
-        QCOMPARE(DueAlarms(table, 10, 16), QList<int>{});
-    }
-
     void deletingMovesLaterAlarmsDownAndClearsTheLastSlot()
     {
         AlarmTable table;

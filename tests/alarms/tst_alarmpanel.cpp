@@ -35,7 +35,7 @@ struct Panel
     QPushButton* Button(const char* name) const { return Find<QPushButton>(name); }
     TimeBox* Expire() const { return Find<TimeBox>("edtExpire"); }
     AlarmListView* List() const { return Find<AlarmListView>("lstAlarms"); }
-    AlarmRecord& Alarm(int n) const { return desk.window->Alarms().At(n); }
+    AlarmRecord& Alarm(int n) const { return desk.Alarms().At(n); }
     AlarmListView::Row Row(int n) const { return List()->RowByTag(QStringLiteral(" %1").arg(n)); }
 
     void TypeTime(const QString& digits) const
@@ -56,7 +56,7 @@ struct Panel
         TypeTime(digits);
         if (set)
             QTest::mouseClick(Button("cmdSet"), Qt::LeftButton);
-        return desk.window->Alarms().SelectedAlarm;
+        return desk.Alarms().SelectedAlarm;
     }
 
     Desk desk;
@@ -104,8 +104,8 @@ private slots:
     {
         Panel p;
         QTest::mouseClick(p.Button("cmdNew"), Qt::LeftButton);
-        QCOMPARE(p.desk.window->Alarms().AlarmCount, 1);
-        QCOMPARE(p.desk.window->Alarms().SelectedAlarm, 1);
+        QCOMPARE(p.desk.Alarms().AlarmCount, 1);
+        QCOMPARE(p.desk.Alarms().SelectedAlarm, 1);
         const AlarmRecord& a = p.Alarm(1);
         QCOMPARE(a.Message, QStringLiteral("<NEW>"));
         QCOMPARE(a.TypeTimer, false);
@@ -130,7 +130,7 @@ private slots:
             QTest::mouseClick(p.Button("cmdNew"), Qt::LeftButton);
         QVERIFY(MessageBox::Shown().isEmpty());
         QTest::mouseClick(p.Button("cmdNew"), Qt::LeftButton);
-        QCOMPARE(p.desk.window->Alarms().AlarmCount, 30);
+        QCOMPARE(p.desk.Alarms().AlarmCount, 30);
         QCOMPARE(MessageBox::Shown().size(), 1);
         QCOMPARE(MessageBox::Shown()[0].Text, QStringLiteral("Maximum alarms exceeded, can't create new"));
         QCOMPARE(MessageBox::Shown()[0].ButtonSet, MessageBox::Buttons::OkOnly);
@@ -192,10 +192,10 @@ private slots:
         Panel p;
         for (const char* m : {"One", "Two", "Three", "Four"})
             p.Add(QString::fromLatin1(m), QStringLiteral("0800"), false, false);
-        p.desk.window->Alarms().SelectedAlarm = 2;
-        p.desk.window->SetSelectedAlarm();
+        p.desk.Alarms().SelectedAlarm = 2;
+        p.desk.window->Alarms().SetSelectedAlarm();
         QTest::mouseClick(p.Button("cmdDelete"), Qt::LeftButton);
-        QCOMPARE(p.desk.window->Alarms().AlarmCount, 3);
+        QCOMPARE(p.desk.Alarms().AlarmCount, 3);
         QCOMPARE(p.Alarm(2).Message, QStringLiteral("Three"));
         QCOMPARE(p.Alarm(3).Message, QStringLiteral("Four"));
         QCOMPARE(p.Alarm(4).Message, QString());
@@ -203,7 +203,7 @@ private slots:
         QCOMPARE(p.Row(2).Text, QStringLiteral("   Three"));
         QCOMPARE(p.desk.TodaysLog().count("\r\n"), 1); // only "ST": a delete is not logged
         QTest::mouseClick(p.Button("cmdNew"), Qt::LeftButton);
-        QCOMPARE(p.desk.window->Alarms().AlarmCount, 4);
+        QCOMPARE(p.desk.Alarms().AlarmCount, 4);
         QCOMPARE(p.Alarm(4).Message, QStringLiteral("<NEW>"));
     }
 
@@ -295,9 +295,9 @@ private slots:
             QVERIFY2(!p.Button(b)->isEnabled(), b);
             QCOMPARE(p.Button(b)->toolTip(), QStringLiteral("This Alarm is ringing, acknowledge first"));
         }
-        p.desk.window->AlarmWindow(n)->cmdStop_Click();
+        p.desk.Windows().AlarmWindow(n)->cmdStop_Click();
         // The stopped alarm was deleted: the editor shows the remaining state, unlocked.
-        QCOMPARE(p.desk.window->Alarms().AlarmCount, 0);
+        QCOMPARE(p.desk.Alarms().AlarmCount, 0);
         p.Add(QStringLiteral("Next"), QStringLiteral("1100"));
         QVERIFY(p.Button("cmdSet")->isEnabled());
         QVERIFY(p.Button("cmdDelete")->isEnabled());
@@ -320,9 +320,9 @@ private slots:
         p.Add(QStringLiteral("Keep"), QStringLiteral("1100"));
         p.Add(QStringLiteral("Rings"), QStringLiteral("1001"));
         p.desk.window->CheckAlarms(10, 1);
-        p.desk.window->AlarmWindow(2)->cmdStop_Click();
-        QCOMPARE(p.desk.window->Alarms().AlarmCount, 1);
-        QCOMPARE(p.desk.window->Alarms().SelectedAlarm, 1);
+        p.desk.Windows().AlarmWindow(2)->cmdStop_Click();
+        QCOMPARE(p.desk.Alarms().AlarmCount, 1);
+        QCOMPARE(p.desk.Alarms().SelectedAlarm, 1);
         QCOMPARE(p.Find<QLineEdit>("txtMessage")->text(), QStringLiteral("Keep"));
         QVERIFY(p.Button("cmdSet")->isEnabled());
         p.Find<QLineEdit>("txtMessage")->setText(QStringLiteral("Kept"));
@@ -337,13 +337,13 @@ private slots:
         auto* report = p.List()->Report();
         QTest::mouseClick(report->viewport(), Qt::LeftButton, {},
                           report->visualItemRect(report->topLevelItem(0)).center());
-        QCOMPARE(p.desk.window->Alarms().SelectedAlarm, 1);
+        QCOMPARE(p.desk.Alarms().SelectedAlarm, 1);
         QCOMPARE(p.Find<QLineEdit>("txtMessage")->text(), QStringLiteral("Clock one"));
         QCOMPARE(p.Expire()->Text(), QStringLiteral("07:30"));
         QVERIFY(p.Find<QRadioButton>("optClock")->isChecked());
         QTest::mouseClick(report->viewport(), Qt::LeftButton, {},
                           report->visualItemRect(report->topLevelItem(1)).center());
-        QCOMPARE(p.desk.window->Alarms().SelectedAlarm, 2);
+        QCOMPARE(p.desk.Alarms().SelectedAlarm, 2);
         QCOMPARE(p.Expire()->Text(), QStringLiteral("01:45")); // a timer shows its interval
         QVERIFY(p.Find<QRadioButton>("optTimer")->isChecked());
         QCOMPARE(p.Button("cmdSet")->text(), QStringLiteral(" Cancel Alarm"));
@@ -414,10 +414,10 @@ private slots:
     {
         Panel p;
         QTest::mouseClick(p.Button("cmdCheckIn"), Qt::LeftButton); // empty list: nothing
-        QVERIFY(p.desk.window->OpenAlarmWindows().isEmpty());
+        QVERIFY(p.desk.Windows().OpenAlarmWindows().isEmpty());
         p.Add(QStringLiteral("Plain"), QStringLiteral("0900"));
         p.desk.window->findChild<AlarmPanel*>()->cmdCheckIn_Click();
-        QVERIFY(p.desk.window->OpenAlarmWindows().isEmpty());
+        QVERIFY(p.desk.Windows().OpenAlarmWindows().isEmpty());
     }
 
     void doubleClickOnASafetyAlarmChecksIn()
@@ -427,7 +427,7 @@ private slots:
         p.Find<QCheckBox>("chkSafety")->click();
         QTest::mouseClick(p.Button("cmdSet"), Qt::LeftButton);
         emit p.List()->ItemDoubleClick(QStringLiteral(" 1"));
-        const auto windows = p.desk.window->OpenAlarmWindows();
+        const auto windows = p.desk.Windows().OpenAlarmWindows();
         QCOMPARE(windows.size(), 1);
         QVERIFY(windows[0]->CheckIn());
         QVERIFY(!p.Alarm(1).AlarmSet);

@@ -21,7 +21,7 @@ struct Loaded
     QList<int> OpenWindowAlarms() const
     {
         QList<int> numbers;
-        for (frmAlarm* w : desk.window->OpenAlarmWindows())
+        for (frmAlarm* w : desk.Windows().OpenAlarmWindows())
             numbers << w->ExpirePtr();
         return numbers;
     }
@@ -59,17 +59,17 @@ private slots:
         QCOMPARE(l.OpenWindowAlarms(), (QList<int>{2, 5}));
         QCOMPARE(l.LogAfterStart(), Desk::Line("10:14", "EA", 1, "Alarm Expired for ", "A2", "") +
                                         Desk::Line("10:14", "EA", 0, "Alarm Expired for ", "A5", ""));
-        QVERIFY(l.desk.window->Alarms().At(2).Ringing);
-        QVERIFY(l.desk.window->Alarms().At(5).Ringing);
-        QVERIFY(l.desk.window->Alarms().At(2).AlarmSet); // set until answered
-        QVERIFY(!l.desk.window->Alarms().At(4).Ringing);
+        QVERIFY(l.desk.Alarms().At(2).Ringing);
+        QVERIFY(l.desk.Alarms().At(5).Ringing);
+        QVERIFY(l.desk.Alarms().At(2).AlarmSet); // set until answered
+        QVERIFY(!l.desk.Alarms().At(4).Ringing);
     }
 
     void unsetAlarmAtItsTimeDoesNotRing()
     {
         Loaded l(Ini("Count=1\nMessage%201=Off\nExpire%201=10:15\nAlarmSet%201=False\n"));
         // An unset alarm's expiry is blanked by the list; give it its time back.
-        l.desk.window->Alarms().At(1).Expire = QStringLiteral("10:15");
+        l.desk.Alarms().At(1).Expire = QStringLiteral("10:15");
         l.desk.window->CheckAlarms(10, 15);
         QVERIFY(l.OpenWindowAlarms().isEmpty());
         QCOMPARE(l.LogAfterStart(), QByteArray());
@@ -100,7 +100,7 @@ private slots:
     {
         Loaded l(Ini("Count=1\nMessage%201=Again\nExpire%201=10:15\nAlarmSet%201=True\n"));
         l.desk.window->CheckAlarms(10, 15);
-        l.desk.window->AlarmWindow(1)->close(); // closed without an answer: still set
+        l.desk.Windows().AlarmWindow(1)->close(); // closed without an answer: still set
         l.desk.window->CheckAlarms(10, 16);
         l.desk.clock.Set(Desk::Monday.addDays(1), QTime(10, 15));
         l.desk.window->CheckAlarms(10, 15);
@@ -119,9 +119,9 @@ private slots:
     {
         Loaded l(Ini("Count=2\nMessage%201=Other\nExpire%201=11:00\nAlarmSet%201=True\n"
                      "Message%202=Convoy\nExpire%202=10:15\nAlarmSet%202=True\n"));
-        QCOMPARE(l.desk.window->Alarms().SelectedAlarm, 1);
+        QCOMPARE(l.desk.Alarms().SelectedAlarm, 1);
         l.desk.window->CheckAlarms(10, 15);
-        QCOMPARE(l.desk.window->Alarms().SelectedAlarm, 2);
+        QCOMPARE(l.desk.Alarms().SelectedAlarm, 2);
         QVERIFY(!l.desk.Find<QPushButton>(QStringLiteral("cmdSet"))->isEnabled());
         QVERIFY(!l.desk.Find<QPushButton>(QStringLiteral("cmdDelete"))->isEnabled());
     }
@@ -140,17 +140,17 @@ private slots:
                      "Message%202=Second\nExpire%202=10:15\nAlarmSet%202=True\n"
                      "Message%203=Third\nExpire%203=11:00\nAlarmSet%203=True\n"));
         l.desk.window->CheckAlarms(10, 15);
-        frmAlarm* second = l.desk.window->AlarmWindow(2);
+        frmAlarm* second = l.desk.Windows().AlarmWindow(2);
         QVERIFY(second);
-        l.desk.window->AlarmWindow(1)->cmdStop_Click(); // deletes "First"; the others move up
+        l.desk.Windows().AlarmWindow(1)->cmdStop_Click(); // deletes "First"; the others move up
         QCOMPARE(second->ExpirePtr(), 1);
         QCOMPARE(second->Tag(), QStringLiteral("Alarm1"));
-        QVERIFY(l.desk.window->Alarms().At(1).Ringing);
-        QVERIFY(!l.desk.window->Alarms().At(2).Ringing);
+        QVERIFY(l.desk.Alarms().At(1).Ringing);
+        QVERIFY(!l.desk.Alarms().At(2).Ringing);
         second->cmdStop_Click();
-        QCOMPARE(l.desk.window->Alarms().AlarmCount, 1);
-        QCOMPARE(l.desk.window->Alarms().At(1).Message, QStringLiteral("Third"));
-        QVERIFY(l.desk.window->Alarms().At(1).AlarmSet);
+        QCOMPARE(l.desk.Alarms().AlarmCount, 1);
+        QCOMPARE(l.desk.Alarms().At(1).Message, QStringLiteral("Third"));
+        QVERIFY(l.desk.Alarms().At(1).AlarmSet);
         // Each stop logs the record that moved into the stopped slot.
         const QByteArray expected =
             Desk::Line("10:14", "SA", 0, "Alarm acknowledged, terminated for  ", "Second", "") +

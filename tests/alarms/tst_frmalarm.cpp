@@ -34,7 +34,7 @@ struct Ringing
         desk.window->show();
         desk.window->CheckAlarms(at.hour(), at.minute());
     }
-    frmAlarm* Window(int n) const { return desk.window->AlarmWindow(n); }
+    frmAlarm* Window(int n) const { return desk.Windows().AlarmWindow(n); }
     template <typename T>
     T* In(int n, const char* name) const
     {
@@ -156,9 +156,9 @@ private slots:
     void timerResetAtTenSevenExpiresAtTenThirtySeven()
     {
         Ringing r(RetainedTimer);
-        QVERIFY(r.desk.window->Alarms().At(1).Ringing);
+        QVERIFY(r.desk.Alarms().At(1).Ringing);
         r.Window(1)->cmdReset_Click();
-        const AlarmRecord& a = r.desk.window->Alarms().At(1);
+        const AlarmRecord& a = r.desk.Alarms().At(1);
         QCOMPARE(a.Expire, QStringLiteral("10:37"));
         QVERIFY(a.AlarmSet);
         QVERIFY(!a.Ringing);
@@ -175,7 +175,7 @@ private slots:
         r.Window(1)->cmdReset_Click();
         QVERIFY(r.desk.TodaysLog().endsWith(Desk::Line("10:07", "SA", 1, "Alarm acknowleged, reset for ",
                                                        "Crew 7", ", expires at 10:22, Ridge road km 12")));
-        QCOMPARE(r.desk.window->Alarms().At(1).LastPosition, QStringLiteral("10:07 Ridge road km 12"));
+        QCOMPARE(r.desk.Alarms().At(1).LastPosition, QStringLiteral("10:07 Ridge road km 12"));
         QCOMPARE(r.desk.window->findChild<AlarmListView*>()->RowByTag(QStringLiteral(" 1")).LastCheck,
                  QStringLiteral("10:07 Ridge road km 12"));
     }
@@ -185,20 +185,20 @@ private slots:
         Ringing r(RetainedClock, QTime(7, 0));
         r.Window(1)->cmdReset_Click();
         QTRY_VERIFY(!r.Window(1));
-        QCOMPARE(r.desk.window->Alarms().At(1).Expire, QStringLiteral("07:00"));
+        QCOMPARE(r.desk.Alarms().At(1).Expire, QStringLiteral("07:00"));
         r.desk.window->CheckAlarms(7, 1);
         r.desk.clock.Set(Desk::Monday.addDays(1), QTime(7, 0));
         r.desk.window->CheckAlarms(7, 0);
         QVERIFY(r.Window(1));
-        QVERIFY(r.desk.window->Alarms().At(1).Ringing);
+        QVERIFY(r.desk.Alarms().At(1).Ringing);
     }
 
     void stoppedAlarmIsDeletedAndTheLogNamesTheOneThatTookItsPlace()
     {
         Ringing r(ThreePlain);
         r.Window(1)->cmdStop_Click();
-        QCOMPARE(r.desk.window->Alarms().AlarmCount, 2);
-        QCOMPARE(r.desk.window->Alarms().At(1).Message, QStringLiteral("Second"));
+        QCOMPARE(r.desk.Alarms().AlarmCount, 2);
+        QCOMPARE(r.desk.Alarms().At(1).Message, QStringLiteral("Second"));
         QCOMPARE(r.desk.window->findChild<AlarmListView*>()->RowCount(), 2);
         QVERIFY(r.desk.TodaysLog().endsWith(
             Desk::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "Second", "")));
@@ -208,7 +208,7 @@ private slots:
     {
         Ringing r(Ini("Count=1\nMessage%201=Only\nExpire%201=10:07\nAlarmSet%201=True\n"));
         r.Window(1)->cmdStop_Click();
-        QCOMPARE(r.desk.window->Alarms().AlarmCount, 0);
+        QCOMPARE(r.desk.Alarms().AlarmCount, 0);
         QVERIFY(r.desk.TodaysLog().endsWith(
             Desk::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "", "")));
     }
@@ -217,8 +217,8 @@ private slots:
     {
         Ringing r(RetainedTimer);
         r.Window(1)->cmdStop_Click();
-        const AlarmRecord& a = r.desk.window->Alarms().At(1);
-        QCOMPARE(r.desk.window->Alarms().AlarmCount, 1);
+        const AlarmRecord& a = r.desk.Alarms().At(1);
+        QCOMPARE(r.desk.Alarms().AlarmCount, 1);
         QVERIFY(!a.AlarmSet);
         QVERIFY(!a.Ringing);
         QVERIFY(r.desk.TodaysLog().endsWith(
@@ -240,7 +240,7 @@ private slots:
         r.In<QLineEdit>(1, "txtLocation")->setText(QStringLiteral("Somewhere"));
         const int stopsBefore = r.desk.stops;
         r.Window(1)->close();
-        const AlarmRecord& a = r.desk.window->Alarms().At(1);
+        const AlarmRecord& a = r.desk.Alarms().At(1);
         QVERIFY(a.AlarmSet);
         QVERIFY(a.Ringing);
         QCOMPARE(a.LastPosition, QStringLiteral("10:07 Somewhere"));
@@ -252,15 +252,15 @@ private slots:
         Desk desk(SafetyTimer);
         QVERIFY(desk.window->Load());
         desk.window->show();
-        desk.window->StartCheckIn(1);
-        frmAlarm* w = desk.window->AlarmWindow(1);
+        desk.Windows().StartCheckIn(1);
+        frmAlarm* w = desk.Windows().AlarmWindow(1);
         QVERIFY(w && w->CheckIn());
         QCOMPARE(w->findChild<QLabel*>(QStringLiteral("lblCaption"))->text(),
                  QStringLiteral("Safety Check In"));
         QVERIFY(w->findChild<QLabel*>(QStringLiteral("Image1_0"))->isHidden());
         QVERIFY(w->findChild<QLabel*>(QStringLiteral("Image1_1"))->isHidden());
         QVERIFY(!w->BlinkTimer().isActive());
-        QVERIFY(!desk.window->Alarms().At(1).AlarmSet);
+        QVERIFY(!desk.Alarms().At(1).AlarmSet);
         w->tmrFlash_Timer();
         QCOMPARE(desk.plays.size(), 0);
         QCOMPARE(desk.flash->Flashes, 0);
@@ -268,11 +268,11 @@ private slots:
         desk.clock.Set(Desk::Monday, QTime(9, 50));
         w->findChild<QLineEdit*>(QStringLiteral("txtLocation"))->setText(QStringLiteral("Camp 2"));
         w->cmdReset_Click();
-        QCOMPARE(desk.window->Alarms().At(1).Expire, QStringLiteral("10:05"));
-        QVERIFY(desk.window->Alarms().At(1).AlarmSet);
+        QCOMPARE(desk.Alarms().At(1).Expire, QStringLiteral("10:05"));
+        QVERIFY(desk.Alarms().At(1).AlarmSet);
         QVERIFY(desk.TodaysLog().endsWith(Desk::Line("09:50", "SA", 1, "Alarm acknowleged, reset for ",
                                                      "Crew 7", ", expires at 10:05, Camp 2")));
-        QCOMPARE(desk.window->Alarms().At(1).LastPosition, QStringLiteral("09:50 Camp 2"));
+        QCOMPARE(desk.Alarms().At(1).LastPosition, QStringLiteral("09:50 Camp 2"));
     }
 
     void openWindowsAreLaidOutInAGrid()

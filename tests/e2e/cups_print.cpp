@@ -3,9 +3,10 @@
 // blank first document and the 57-entry log, then a year's sunrise/sunset table; the script
 // then checks what the queue wrote.
 #include "Desk.h"
-#include "logbook/frmPrinterSetup.h"
+#include "logbook/LogPrinter.h"
 #include "sun/BuildSunTable.h"
 #include "widgets/MessageBox.h"
+#include "widgets/frmPrinterSetup.h"
 
 #include <QPrinterInfo>
 
@@ -46,7 +47,7 @@ private slots:
         QVERIFY(desk.window->Load());
 
         frmPrinterSetup::SetNextAnswer(m_queue);
-        desk.window->PrintLog(Desk::Monday);
+        PrintLog(desk.window.get(), desk.Viewer(), Desk::Monday);
         QStringList shown;
         for (const MessageBox::Request& request : MessageBox::Shown())
             shown << request.Text;

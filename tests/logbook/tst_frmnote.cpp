@@ -14,7 +14,7 @@ const QByteArray TwoAlarms = "[General]\nLogOn=1\nLogSafetyOnly=False\n[Alarms]\
 
 frmNote* OpenNote(Desk& desk)
 {
-    desk.window->OpenNote();
+    desk.window->findChild<AlarmPanel*>()->OpenNote();
     const auto notes = desk.window->findChildren<frmNote*>();
     return notes.isEmpty() ? nullptr : notes.last();
 }
@@ -49,8 +49,8 @@ private slots:
         Desk desk(TwoAlarms);
         QVERIFY(desk.window->Load());
         frmNote* note = OpenNote(desk);
-        desk.window->Alarms().SelectedAlarm = 2;
-        desk.window->SetSelectedAlarm();
+        desk.Alarms().SelectedAlarm = 2;
+        desk.window->Alarms().SetSelectedAlarm();
         note->findChild<QLineEdit*>(QStringLiteral("txtNote"))->setText(QStringLiteral("at the ridge"));
         note->cmdOK_Click();
         QCOMPARE(note->findChild<QLabel*>(QStringLiteral("lblAlarm"))->text(), QStringLiteral("Tea"));

@@ -1,8 +1,8 @@
 #include "Desk.h"
 #include "logbook/LogPrinter.h"
-#include "logbook/frmPrinterSetup.h"
 #include "widgets/MessageBox.h"
 #include "widgets/PrintSetup.h"
+#include "widgets/frmPrinterSetup.h"
 
 #include <QComboBox>
 #include <QPrinter>
@@ -63,7 +63,7 @@ private slots:
     void pageHasTheHeadingAndTheEntryLines()
     {
         Printing p(Desk::NotesFromEight(3));
-        p.desk.window->PrintLog(Desk::Monday);
+        PrintLog(p.desk.window.get(), p.desk.Viewer(), Desk::Monday);
         const QStringList pages = PdfPages(p.pdf);
         QCOMPARE(pages.size(), 1);
         const QString page = pages[0];
@@ -79,7 +79,7 @@ private slots:
     void fiftySixEntriesStartASecondPageWithOnlyTheHeading()
     {
         Printing p(Desk::NotesFromEight(56));
-        p.desk.window->PrintLog(Desk::Monday);
+        PrintLog(p.desk.window.get(), p.desk.Viewer(), Desk::Monday);
         const QStringList pages = PdfPages(p.pdf);
         QCOMPARE(pages.size(), 2);
         QVERIFY(pages[0].contains(QStringLiteral("Entry: 56 (x)")));
@@ -91,7 +91,7 @@ private slots:
     void fiftySevenEntriesPutOneOnThePageTwo()
     {
         Printing p(Desk::NotesFromEight(57));
-        p.desk.window->PrintLog(Desk::Monday);
+        PrintLog(p.desk.window.get(), p.desk.Viewer(), Desk::Monday);
         const QStringList pages = PdfPages(p.pdf);
         QCOMPARE(pages.size(), 2);
         QVERIFY(pages[1].contains(QStringLiteral("08:56--Entry: 57 (x)")));
@@ -102,7 +102,7 @@ private slots:
     {
         Printing p(Desk::NotesFromEight(3));
         frmPrinterSetup::SetNextAnswer(QString());
-        p.desk.window->PrintLog(p.desk.clock.Today());
+        PrintLog(p.desk.window.get(), p.desk.Viewer(), p.desk.clock.Today());
         QVERIFY(!QFileInfo::exists(p.pdf));
         QVERIFY(p.desk.window->Log().IsTodaysLogOpen());
     }
@@ -110,7 +110,7 @@ private slots:
     void printingTodayReopensTodaysLog()
     {
         Printing p(Desk::NotesFromEight(3));
-        p.desk.window->PrintLog(p.desk.clock.Today());
+        PrintLog(p.desk.window.get(), p.desk.Viewer(), p.desk.clock.Today());
         QVERIFY(QFileInfo::exists(p.pdf));
         QVERIFY(p.desk.window->Log().IsTodaysLogOpen());
         QVERIFY(PdfPages(p.pdf).value(0).contains(QStringLiteral("08:00--Entry: 1 (x)")));
@@ -121,7 +121,7 @@ private slots:
         Printing p(Desk::NotesFromEight(3));
         // A folder where the output file should be: the printer cannot start.
         QVERIFY(QDir().mkpath(p.pdf));
-        p.desk.window->PrintLog(p.desk.clock.Today());
+        PrintLog(p.desk.window.get(), p.desk.Viewer(), p.desk.clock.Today());
         const auto shown = MessageBox::Shown();
         QCOMPARE(shown.size(), 1);
         QCOMPARE(shown[0].Text,

@@ -65,7 +65,7 @@ private slots:
         QVERIFY(!v.Text().contains(QStringLiteral("08:05--"))); // today is shown first
         v.Bar()->setValue(-1);
         QCOMPARE(v.Bar()->value(), 0); // the bar goes back to rest
-        QCOMPARE(v.desk.window->LogBookDate(), Desk::Monday);
+        QCOMPARE(v.desk.Viewer().LogBookDate(), Desk::Monday);
         QCOMPARE(v.DateCaption(), QStringLiteral("Monday, November 16, 2026"));
         const QStringList lines = v.Text().split(u'\n');
         QVERIFY2(lines.contains(QStringLiteral("08:00--Start program")), qPrintable(v.Text()));
@@ -95,7 +95,7 @@ private slots:
         QCOMPARE(v.Text(), QStringLiteral("Log not available for this date"));
         QVERIFY(!v.Button("cmdPrint")->isEnabled());
         v.Bar()->setValue(4);
-        QCOMPARE(v.desk.window->LogBookDate(), Desk::Monday);
+        QCOMPARE(v.desk.Viewer().LogBookDate(), Desk::Monday);
         QVERIFY(v.Button("cmdPrint")->isEnabled());
     }
 
@@ -105,7 +105,7 @@ private slots:
         auto* text = v.desk.Find<QTextEdit>(QStringLiteral("txtLog"));
         QTextDocument* document = text->document();
         for (int i = 0; i < 5; ++i)
-            v.desk.window->RefreshLogView();
+            v.desk.Viewer().RefreshLogView();
         QCOMPARE(text->document(), document);
         QCOMPARE(text->findChildren<QTextDocument*>().size(), 1);
     }
@@ -115,7 +115,7 @@ private slots:
         Viewer v;
         v.Bar()->setValue(-3);
         QTest::mouseClick(v.Button("cmdReset"), Qt::LeftButton);
-        QCOMPARE(v.desk.window->LogBookDate(), Desk::Monday.addDays(1));
+        QCOMPARE(v.desk.Viewer().LogBookDate(), Desk::Monday.addDays(1));
         QCOMPARE(v.DateCaption(), QStringLiteral("Tuesday, November 17, 2026"));
     }
 
@@ -124,8 +124,8 @@ private slots:
         Viewer v;
         v.Bar()->setValue(-1);
         QVERIFY(!v.Text().contains(QStringLiteral("written late")));
-        QVERIFY(v.desk.window->MarkedLogDays().contains(QDate(2026, 11, 15)));
-        QVERIFY(v.desk.window->MarkedLogDays().contains(Desk::Monday));
+        QVERIFY(v.desk.Viewer().MarkedLogDays().contains(QDate(2026, 11, 15)));
+        QVERIFY(v.desk.Viewer().MarkedLogDays().contains(Desk::Monday));
     }
 
     void calendarOpensOnTheShownDayAndAClickShowsThatDay()
@@ -137,7 +137,7 @@ private slots:
         QCOMPARE(v.Button("cmdCalendar")->text(), QStringLiteral("Close Calendar"));
         QCOMPARE(calendar->CurrentDay(), Desk::Monday.addDays(1));
         emit calendar->DateClicked(Desk::Monday);
-        QCOMPARE(v.desk.window->LogBookDate(), Desk::Monday);
+        QCOMPARE(v.desk.Viewer().LogBookDate(), Desk::Monday);
         QVERIFY(v.Text().contains(QStringLiteral("08:05--Alarm set for Crew 7")));
         QVERIFY(!calendar->isVisible());
         QCOMPARE(v.Button("cmdCalendar")->text(), QStringLiteral("Calendar..."));
@@ -156,9 +156,9 @@ private slots:
     {
         Viewer v;
         QVERIFY(v.desk.window->Log().IsTodaysLogOpen());
-        v.desk.window->WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("x: "), QStringLiteral("y"),
-                                     QString());
-        v.desk.window->RefreshLogView();
+        v.desk.window->Log().WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("x: "),
+                                           QStringLiteral("y"), QString());
+        v.desk.Viewer().RefreshLogView();
         QVERIFY(v.Text().contains(QStringLiteral("09:00--x: y")));
         QVERIFY(v.desk.window->Log().IsTodaysLogOpen());
     }
@@ -167,10 +167,11 @@ private slots:
     {
         Viewer v;
         QFile::remove(v.desk.LogPath(v.desk.clock.Today()));
-        v.desk.window->RefreshLogView();
+        v.desk.Viewer().RefreshLogView();
         QCOMPARE(v.Text(), QStringLiteral("Log not available for this date"));
         QVERIFY(!v.desk.window->Log().IsTodaysLogOpen());
-        v.desk.window->WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("x"), QString(), QString());
+        v.desk.window->Log().WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("x"), QString(),
+                                           QString());
         QVERIFY(
             MessageBox::Shown().last().Text.startsWith(QStringLiteral("Error writing to the logbook\r\r")));
     }

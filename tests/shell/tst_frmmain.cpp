@@ -136,7 +136,7 @@ private slots:
                                 "Select a new default sound file in Properties"));
         QCOMPARE(shown[0].Title, QStringLiteral("Tarrowind"));
         QCOMPARE(shown[0].ButtonSet, MessageBox::Buttons::OkOnly);
-        QCOMPARE(desk.window->Values().Audible, qint16(0));
+        QCOMPARE(desk.window->Prefs().Values().Audible, qint16(0));
         QVERIFY(!desk.Find<QRadioButton>(QStringLiteral("optDefault"))->isEnabled());
         QVERIFY(!desk.Find<QRadioButton>(QStringLiteral("optNamed"))->isEnabled());
         desk.window->close();
@@ -277,8 +277,8 @@ private slots:
         desk.window->tmrMain_Timer();
         QVERIFY(QFileInfo::exists(desk.LogPath(Monday.addDays(1))));
         QCOMPARE(desk.window->Log().OpenDay(), Monday.addDays(1));
-        desk.window->WriteLogEntry(QStringLiteral("EA"), 1, QStringLiteral("Alarm Expired for "),
-                                   QStringLiteral("Night crew"), QString());
+        desk.window->Log().WriteLogEntry(QStringLiteral("EA"), 1, QStringLiteral("Alarm Expired for "),
+                                         QStringLiteral("Night crew"), QString());
         QCOMPARE(
             TestEnvironment::ReadFile(desk.LogPath(Monday.addDays(1))),
             QByteArray("\"11/17/2026\",\"00:00\",\"EA\",1,\"Alarm Expired for \",\"Night crew\",\"\"\r\n"));
@@ -350,9 +350,9 @@ private slots:
         Desk desk(TwoAlarmsOneSet);
         QVERIFY(desk.window->Load());
         QCOMPARE(desk.Status(), QStringLiteral("2 alarms, 1 set, Logging On, System Clock"));
-        QCOMPARE(desk.window->Alarms().At(1).Expire, QStringLiteral("11:30"));
-        QCOMPARE(desk.window->Alarms().At(2).Expire, QStringLiteral(" "));
-        QCOMPARE(desk.window->Alarms().SelectedAlarm, 1);
+        QCOMPARE(desk.Alarms().At(1).Expire, QStringLiteral("11:30"));
+        QCOMPARE(desk.Alarms().At(2).Expire, QStringLiteral(" "));
+        QCOMPARE(desk.Alarms().SelectedAlarm, 1);
     }
 
     void closingWithNoAlarmSetNeitherAsksNorLogs()
@@ -439,7 +439,7 @@ private slots:
     {
         Desk desk(TwoAlarmsOneSet);
         QVERIFY(desk.window->Load());
-        desk.window->Alarms().At(2).Message = QStringLiteral("Changed");
+        desk.Alarms().At(2).Message = QStringLiteral("Changed");
         desk.window->EndSession();
         QVERIFY(MessageBox::Shown().isEmpty());
         QVERIFY(desk.window->IsStopped());
@@ -686,8 +686,8 @@ private slots:
         TestEnvironment::WriteFile(desk.LogPath(QDate(2026, 11, 2)), "");
         TestEnvironment::WriteFile(QDir(desk.env.LogFolder()).filePath(QStringLiteral("readme.log")), "");
         QVERIFY(desk.window->Load());
-        QVERIFY(desk.window->MarkedLogDays().contains(QDate(2026, 11, 2)));
-        QVERIFY(desk.window->MarkedLogDays().size() == 1); // today's file is opened after the marking
+        QVERIFY(desk.Viewer().MarkedLogDays().contains(QDate(2026, 11, 2)));
+        QVERIFY(desk.Viewer().MarkedLogDays().size() == 1); // today's file is opened after the marking
     }
 
     void logOpenFailureIsReportedAndWritesFailLater()

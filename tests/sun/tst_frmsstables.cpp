@@ -1,6 +1,5 @@
 // The tables dialog, the table viewer and the printed table.
 #include "TestEnvironment.h"
-#include "logbook/frmPrinterSetup.h"
 #include "settings/Settings.h"
 #include "sun/SunTablePrinter.h"
 #include "sun/frmSSTables.h"
@@ -8,6 +7,7 @@
 #include "widgets/MessageBox.h"
 #include "widgets/PrintDialog.h"
 #include "widgets/PrintSetup.h"
+#include "widgets/frmPrinterSetup.h"
 
 #include <QCheckBox>
 #include <QComboBox>

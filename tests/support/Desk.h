@@ -1,9 +1,16 @@
 #pragma once
 
+#include "FakePlatform.h"
 #include "ManualClock.h"
 #include "TestEnvironment.h"
+#include "alarms/AlarmDesk.h"
 #include "alarms/AlarmSound.h"
+#include "alarms/AlarmWindows.h"
+#include "logbook/LogBook.h"
+#include "logbook/LogViewer.h"
+#include "platform/PlatformServices.h"
 #include "platform/WindowFlash.h"
+#include "settings/Preferences.h"
 #include "settings/SettingsStore.h"
 #include "shell/frmMain.h"
 
@@ -46,14 +53,14 @@ public:
 };
 
 // A main window over a fresh folder, a hand-set clock and a prepared settings file, with
-// fake sound and flash services.
+// fake sound and operating-system services.
 struct Desk
 {
     static inline const QLocale EnUs{QLocale::English, QLocale::UnitedStates};
     static inline const QDate Monday{2026, 11, 16};
 
     explicit Desk(const QByteArray& ini = {}, bool withSound = true)
-        : clock(QDateTime(Monday, QTime(10, 0, 17, 250))), flash(std::make_shared<FakeFlash>())
+        : clock(QDateTime(Monday, QTime(10, 0, 17, 250))), platform(FakePlatform(flash))
     {
         if (!ini.isEmpty())
             TestEnvironment::WriteFile(env.SettingsFile(), ini);
@@ -61,13 +68,40 @@ struct Desk
             TestEnvironment::WriteFile(QDir(env.ProgramFolder()).filePath(QStringLiteral("DefaultAlarm.Wav")),
                                        "RIFF");
         store = std::make_unique<SettingsStore>(env.SettingsFile());
-        MainServices services{clock, *store, env.LogFolder(), EnUs, QStringList{env.ProgramFolder()}};
-        services.makeSound = [this](QObject* parent) {
-            return std::unique_ptr<AlarmSound>(new FakeSound(plays, stops, parent));
-        };
-        services.flash = flash;
+        const MainServices services{clock,
+                                    *store,
+                                    env.LogFolder(),
+                                    EnUs,
+                                    QStringList{env.ProgramFolder()},
+                                    [this](QObject* parent) {
+                                        return std::unique_ptr<AlarmSound>(
+                                            new FakeSound(plays, stops, parent));
+                                    },
+                                    platform};
         window = std::make_unique<frmMain>(services);
     }
+
+    // The services of a test: fakes that record what they are asked; the window flash
+    // stays reachable through `flash`.
+    static PlatformServices FakePlatform(FakeFlash*& flash)
+    {
+        PlatformServices services;
+        auto ownFlash = std::make_unique<FakeFlash>();
+        flash = ownFlash.get();
+        services.flash = std::move(ownFlash);
+        services.clockSetter = std::make_unique<FakeClockSetter>();
+        services.clockChange = std::make_unique<FakeClockChangeWatch>();
+        services.suspend = std::make_unique<FakeSuspendWatch>();
+        services.startAtLogin = std::make_unique<FakeStartAtLogin>();
+        services.dialUp = std::make_unique<FakeDialUpState>();
+        services.notifier = std::make_unique<FakeDesktopNotifier>();
+        return services;
+    }
+
+    // The owners inside the main window.
+    AlarmTable& Alarms() const { return window->Alarms().Table(); }
+    AlarmWindows& Windows() const { return window->Windows(); }
+    LogViewer& Viewer() const { return window->Viewer(); }
 
     template <typename T>
     T* Find(const QString& name) const
@@ -119,7 +153,8 @@ struct Desk
 
     TestEnvironment env;
     ManualClock clock;
-    std::shared_ptr<FakeFlash> flash;
+    FakeFlash* flash = nullptr;
+    PlatformServices platform;
     QStringList plays;
     int stops = 0;
     std::unique_ptr<SettingsStore> store;

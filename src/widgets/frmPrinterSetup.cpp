@@ -1,4 +1,4 @@
-#include "logbook/frmPrinterSetup.h"
+#include "widgets/frmPrinterSetup.h"
 
 #include "widgets/TestAnswers.h"
 

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "alarms/AlarmTable.h"
+
+#include <QDateTime>
+#include <QObject>
+#include <QString>
+
+class Clock;
+class LogBook;
+class Preferences;
+class SettingsStore;
+
+// The alarm table for the whole run, with its persistence, its shared routines and the
+// expiry scan of each minute. The alarm panel, the alarm windows and the note window
+// change alarms through it and hear of changes through its signals.
+class AlarmDesk : public QObject
+{
+    Q_OBJECT
+public:
+    AlarmDesk(SettingsStore& store, LogBook& log, const Clock& clock, const Preferences& preferences,
+              QObject* parent = nullptr);
+
+    AlarmTable& Table() { return m_alarms; }
+    // The log that alarm events are written to.
+    LogBook& Log() { return m_log; }
+    const AlarmTable& Table() const { return m_alarms; }
+
+    // The corrected clock that alarms are set and compared by.
+    QDateTime InternetDateTimeNow() const;
+    QString InternetNow() const;
+
+    void LoadAlarms();
+    // Writes the table to the store at once; a failure is announced through Failed().
+    void SaveAlarms();
+    // Blanks the expiry of every unset alarm and announces the table as changed.
+    void RefreshAlarmList();
+    // Announces that the editor should show the selected alarm (Table().SelectedAlarm).
+    void SetSelectedAlarm();
+    // A timer's expiry: the corrected time plus `etime`. A time that cannot be read leaves
+    // the expiry as it was.
+    void CalcExpire(const QString& etime, int ptr);
+    // Removes alarm `ptr`; the later alarms move down one slot.
+    void DeleteAlarm(int ptr);
+
+    // Every set alarm due at this hour and minute goes off, lower numbers first: each is
+    // announced through AlarmDue (which opens its window), marked ringing and logged. The
+    // count is read again at each step, since a window may change the table. True when
+    // any alarm went off.
+    bool ScanExpiries(int hour, int minute);
+
+    // The program is stopping: a scan under way ends at its next step.
+    void Stop() { m_stopped = true; }
+    bool IsStopped() const { return m_stopped; }
+
+signals:
+    // Rows, counts or states of the table changed.
+    void TableChanged();
+    // The selected alarm is to be shown in the editor.
+    void SelectionChanged();
+    // Alarm n has a new expiry.
+    void ExpiryChanged(int n);
+    // Alarm `ptr` was removed and the later ones moved down one slot.
+    void AlarmDeleted(int ptr);
+    // Alarm n goes off now.
+    void AlarmDue(int n);
+    // The scan of a minute set off at least one alarm.
+    void AlarmsRang();
+    void Failed(const QString& message);
+
+private:
+    SettingsStore& m_store;
+    LogBook& m_log;
+    const Clock& m_clock;
+    const Preferences& m_preferences;
+    AlarmTable m_alarms;
+    bool m_stopped = false;
+};

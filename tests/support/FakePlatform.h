@@ -1,0 +1,99 @@
+#pragma once
+
+#include "platform/ClockChangeWatch.h"
+#include "platform/ClockSetter.h"
+#include "platform/DesktopNotifier.h"
+#include "platform/DialUpState.h"
+#include "platform/StartAtLogin.h"
+#include "platform/SuspendWatch.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+// Operating-system services for tests: each records what it is asked and answers what the
+// test set. None of them touches the system.
+
+// Records every time it is asked to set and answers with Next (success unless a test says).
+class FakeClockSetter final : public ClockSetter
+{
+public:
+    ClockSetResult SetClock(const QDateTime& to) override
+    {
+        Requests.append(to);
+        return Next;
+    }
+    ClockSetResult Next{true, {}};
+    QList<QDateTime> Requests;
+};
+
+// Signals a clock change when the test calls Emit.
+class FakeClockChangeWatch final : public ClockChangeWatch
+{
+public:
+    explicit FakeClockChangeWatch(QObject* parent = nullptr) : ClockChangeWatch(parent) {}
+    void Emit() { emit ClockChanged(); }
+};
+
+// Records the alarm counts it is given and the SuspendHandled calls; signals sleep and wake
+// when the test says.
+class FakeSuspendWatch final : public SuspendWatch
+{
+public:
+    explicit FakeSuspendWatch(QObject* parent = nullptr) : SuspendWatch(parent) {}
+    void SetAlarmsSet(int count) override { AlarmsSetCounts.append(count); }
+    void SuspendHandled() override { ++SuspendHandledCalls; }
+    void EmitSuspending() { emit Suspending(); }
+    void EmitResumed() { emit Resumed(); }
+    QList<int> AlarmsSetCounts;
+    int SuspendHandledCalls = 0;
+};
+
+// Keeps the setting in memory; with ForcedError set, every change fails with that text and
+// leaves the setting as it was.
+class FakeStartAtLogin final : public StartAtLogin
+{
+public:
+    bool IsEnabled() const override { return Enabled; }
+    std::optional<QString> SetEnabled(bool on) override
+    {
+        Requests.append(on);
+        if (ForcedError)
+            return ForcedError;
+        Enabled = on;
+        return std::nullopt;
+    }
+    bool Enabled = false;
+    std::optional<QString> ForcedError;
+    QList<bool> Requests;
+};
+
+// Answers whatever the test set.
+class FakeDialUpState final : public DialUpState
+{
+public:
+    bool DialUpConnection() const override { return DialUp; }
+    bool DialUp = false;
+};
+
+// Records every notice shown and every key withdrawn.
+class FakeDesktopNotifier final : public DesktopNotifier
+{
+public:
+    struct Notice
+    {
+        QString Key;
+        QString Title;
+        QString Body;
+    };
+    void Notify(const QString& key, const QString& title, const QString& body) override
+    {
+        Notices.append({key, title, body});
+    }
+    void Withdraw(const QString& key) override { Withdrawn.append(key); }
+    QList<Notice> Notices;
+    QStringList Withdrawn;
+};

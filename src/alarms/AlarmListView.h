@@ -45,10 +45,8 @@ public:
     bool IsIconView() const;
     // Sorts the rows by a column as text; every call flips the direction of the last sort.
     void SortByColumnFlipped(int column);
-    Qt::SortOrder LastSortOrder() const { return m_sortOrder; }
 
     QTreeWidget* Report() const { return m_report; }
-    QListWidget* Icons() const { return m_icons; }
 
 signals:
     void ItemClick(const QString& tag);

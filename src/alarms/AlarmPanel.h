@@ -24,9 +24,6 @@ public:
                QWidget* parent = nullptr);
 
     QPushButton* CloseButton() const { return m_cmdCloseAlarm; }
-    AlarmListView* List() const { return m_lstAlarms; }
-    // Enables or disables the two sound choices (the sound switch is off).
-    void SetSoundChoicesEnabled(bool enabled);
 
     // Rebuilds every row from the table.
     void RefreshRows();
@@ -60,6 +57,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // Enables or disables the two sound choices (the sound switch is off).
+    void SetSoundChoicesEnabled(bool enabled);
     bool Editing() const;
     void SetNamedSound(const QString& path);
 

@@ -22,9 +22,7 @@ class LogPanel : public QFrame
 public:
     LogPanel(LogViewer& viewer, LogBook& log, QWidget* parent = nullptr);
 
-    QCheckBox* LogCheck() const { return m_chkLog; }
     QPushButton* CloseButton() const { return m_cmdCloseLog; }
-    MonthCalendar* Calendar() const { return m_calDate; }
 
     // The logging choices are usable only while logging is on.
     void EnableChoicesFromLogCheck();

@@ -18,7 +18,6 @@ public:
     const QSet<QDate>& Marked() const { return m_marked; }
     void SetCurrentDay(QDate date);
     QDate CurrentDay() const;
-    QCalendarWidget* Calendar() const { return m_calendar; }
 
 signals:
     void DateClicked(QDate clickedDate);

@@ -1,4 +1,4 @@
-#include "Desk.h"
+#include "Owners.h"
 #include "alarms/AlarmListView.h"
 #include "alarms/AlarmPanel.h"
 #include "alarms/frmAlarm.h"
@@ -18,14 +18,14 @@ namespace {
 
 const QByteArray LogAll = "[General]\nLogOn=1\nLogSafetyOnly=False\nDefaultInterval=00:20\n";
 
-// The alarm panel of a loaded, shown main window.
+// The alarm panel over the alarm desk, after start-up, shown.
 struct Panel
 {
     explicit Panel(const QByteArray& ini = LogAll) : desk(ini)
     {
-        QVERIFY(desk.window->Load());
-        desk.window->show();
-        desk.ClickPanel(QStringLiteral("Alarm"));
+        panel = desk.Place(new AlarmPanel(desk.alarms, desk.windows, desk.prefs));
+        QVERIFY(desk.Start());
+        desk.host.show();
     }
     template <typename T>
     T* Find(const char* name) const
@@ -59,7 +59,8 @@ struct Panel
         return desk.Alarms().SelectedAlarm;
     }
 
-    Desk desk;
+    Owners desk;
+    AlarmPanel* panel = nullptr;
 };
 
 } // namespace
@@ -120,7 +121,6 @@ private slots:
         QCOMPARE(a.Expire, QStringLiteral(" "));
         QCOMPARE(p.Expire()->Text(), QStringLiteral("__:__"));
         QCOMPARE(p.Button("cmdSet")->text(), QStringLiteral(" Set Alarm"));
-        QCOMPARE(p.desk.Status(), QStringLiteral("1 alarms, 0 set, Logging On, System Clock"));
     }
 
     void thirtyFirstAlarmIsRefusedWithAMessage()
@@ -149,9 +149,8 @@ private slots:
         QCOMPARE(p.Row(n).Expires, QStringLiteral("07:30"));
         QCOMPARE(p.Row(n).Status, QStringLiteral("Set"));
         QCOMPARE(p.List()->toolTip(), QStringLiteral("   Convoy departs , alarm set to Expire at 07:30"));
-        QCOMPARE(p.desk.Status(), QStringLiteral("1 alarms, 1 set, Logging On, System Clock"));
         QVERIFY(p.desk.TodaysLog().endsWith(
-            Desk::Line("10:00", "SA", 0, "Alarm set for ", "Convoy departs", ", expires at 07:30")));
+            Owners::Line("10:00", "SA", 0, "Alarm set for ", "Convoy departs", ", expires at 07:30")));
     }
 
     void cancellingLogsItAndBlanksTheExpiry()
@@ -165,7 +164,7 @@ private slots:
         QCOMPARE(p.Alarm(n).Expire, QStringLiteral(" "));
         QCOMPARE(p.Row(n).Status, QStringLiteral(" "));
         QVERIFY(p.desk.TodaysLog().endsWith(
-            Desk::Line("10:00", "CA", 0, "Alarm canceled for ", "Convoy departs", "")));
+            Owners::Line("10:00", "CA", 0, "Alarm canceled for ", "Convoy departs", "")));
         QCOMPARE(p.Expire()->Text(), QStringLiteral("__:__"));
         // Setting it again writes a fresh expiry from the box.
         p.TypeTime(QStringLiteral("0745"));
@@ -177,14 +176,14 @@ private slots:
     void timerSetLateInTheEveningExpiresAfterMidnight()
     {
         Panel p;
-        p.desk.clock.Set(Desk::Monday, QTime(23, 30, 10));
+        p.desk.clock.Set(Owners::Monday, QTime(23, 30, 10));
         const int n = p.Add(QStringLiteral("Night patrol"), QStringLiteral("0045"), true);
         QCOMPARE(p.Alarm(n).TypeTimer, true);
         QCOMPARE(p.Alarm(n).Interval, QStringLiteral("00:45"));
         QCOMPARE(p.Alarm(n).Expire, QStringLiteral("00:15"));
         QCOMPARE(p.Row(n).Expires, QStringLiteral("00:15"));
         QVERIFY(p.desk.TodaysLog().endsWith(
-            Desk::Line("23:30", "SA", 0, "Alarm set for ", "Night patrol", ", expires at 00:15")));
+            Owners::Line("23:30", "SA", 0, "Alarm set for ", "Night patrol", ", expires at 00:15")));
     }
 
     void deletingAlarmTwoOfFourMovesTheOthersUp()
@@ -193,7 +192,7 @@ private slots:
         for (const char* m : {"One", "Two", "Three", "Four"})
             p.Add(QString::fromLatin1(m), QStringLiteral("0800"), false, false);
         p.desk.Alarms().SelectedAlarm = 2;
-        p.desk.window->Alarms().SetSelectedAlarm();
+        p.desk.alarms.SetSelectedAlarm();
         QTest::mouseClick(p.Button("cmdDelete"), Qt::LeftButton);
         QCOMPARE(p.desk.Alarms().AlarmCount, 3);
         QCOMPARE(p.Alarm(2).Message, QStringLiteral("Three"));
@@ -263,7 +262,7 @@ private slots:
         p.Find<QCheckBox>("chkSafety")->click();
         QTest::mouseClick(p.Button("cmdSet"), Qt::LeftButton);
         QCOMPARE(p.desk.TodaysLog(),
-                 Desk::Line("10:00", "SA", 1, "Alarm set for ", "Crew 7", ", expires at 10:15"));
+                 Owners::Line("10:00", "SA", 1, "Alarm set for ", "Crew 7", ", expires at 10:15"));
     }
 
     void anUnreadableTimeIsNotArmed()
@@ -289,7 +288,7 @@ private slots:
     {
         Panel p;
         const int n = p.Add(QStringLiteral("Convoy"), QStringLiteral("1001"));
-        p.desk.window->CheckAlarms(10, 1);
+        p.desk.alarms.ScanExpiries(10, 1);
         QVERIFY(p.Alarm(n).Ringing);
         for (const char* b : {"cmdDelete", "cmdSet", "cmdCheckIn"}) {
             QVERIFY2(!p.Button(b)->isEnabled(), b);
@@ -311,7 +310,7 @@ private slots:
         QVERIFY(p.Alarm(1).AlarmSet);
         QCOMPARE(p.Alarm(1).Expire, QStringLiteral("08:15"));
         QVERIFY(p.desk.TodaysLog().endsWith(
-            Desk::Line("10:00", "SA", 0, "Alarm set for ", "By enter", ", expires at 08:15")));
+            Owners::Line("10:00", "SA", 0, "Alarm set for ", "By enter", ", expires at 08:15")));
     }
 
     void editorFollowsWhenStopDeletesTheSelectedAlarm()
@@ -319,7 +318,7 @@ private slots:
         Panel p;
         p.Add(QStringLiteral("Keep"), QStringLiteral("1100"));
         p.Add(QStringLiteral("Rings"), QStringLiteral("1001"));
-        p.desk.window->CheckAlarms(10, 1);
+        p.desk.alarms.ScanExpiries(10, 1);
         p.desk.Windows().AlarmWindow(2)->cmdStop_Click();
         QCOMPARE(p.desk.Alarms().AlarmCount, 1);
         QCOMPARE(p.desk.Alarms().SelectedAlarm, 1);
@@ -416,7 +415,7 @@ private slots:
         QTest::mouseClick(p.Button("cmdCheckIn"), Qt::LeftButton); // empty list: nothing
         QVERIFY(p.desk.Windows().OpenAlarmWindows().isEmpty());
         p.Add(QStringLiteral("Plain"), QStringLiteral("0900"));
-        p.desk.window->findChild<AlarmPanel*>()->cmdCheckIn_Click();
+        p.panel->cmdCheckIn_Click();
         QVERIFY(p.desk.Windows().OpenAlarmWindows().isEmpty());
     }
 
@@ -437,10 +436,10 @@ private slots:
     {
         Panel p;
         QTest::mouseClick(p.Button("cmdNote"), Qt::LeftButton);
-        QVERIFY(!p.desk.window->findChild<QWidget*>(QStringLiteral("frmNote")));
+        QVERIFY(!p.desk.host.findChild<QWidget*>(QStringLiteral("frmNote")));
         p.Add(QStringLiteral("One"), QStringLiteral("0900"));
         QTest::mouseClick(p.Button("cmdNote"), Qt::LeftButton);
-        QVERIFY(p.desk.window->findChild<QWidget*>(QStringLiteral("frmNote")));
+        QVERIFY(p.desk.host.findChild<QWidget*>(QStringLiteral("frmNote")));
     }
 
     void restoredAlarmIsShownInTheEditor()

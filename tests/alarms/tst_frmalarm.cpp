@@ -1,9 +1,11 @@
-#include "Desk.h"
+#include "Owners.h"
 #include "alarms/AlarmListView.h"
+#include "alarms/AlarmPanel.h"
 #include "alarms/frmAlarm.h"
 #include "widgets/MessageBox.h"
 #include "widgets/TopMost.h"
 
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -25,14 +27,16 @@ const QByteArray ThreePlain = Ini("Count=3\nMessage%201=First\nExpire%201=10:07\
                                   "Message%202=Second\nExpire%202=10:07\nAlarmSet%202=True\n"
                                   "Message%203=Third\nExpire%203=11:00\nAlarmSet%203=True\n");
 
+// The alarms of `ini` after start-up, with the alarm panel shown, scanned at `at`.
 struct Ringing
 {
     explicit Ringing(const QByteArray& ini, QTime at = QTime(10, 7, 0)) : desk(ini)
     {
-        desk.clock.Set(Desk::Monday, at);
-        QVERIFY(desk.window->Load());
-        desk.window->show();
-        desk.window->CheckAlarms(at.hour(), at.minute());
+        desk.clock.Set(Owners::Monday, at);
+        desk.Place(new AlarmPanel(desk.alarms, desk.windows, desk.prefs));
+        QVERIFY(desk.Start());
+        desk.host.show();
+        desk.alarms.ScanExpiries(at.hour(), at.minute());
     }
     frmAlarm* Window(int n) const { return desk.Windows().AlarmWindow(n); }
     template <typename T>
@@ -41,7 +45,7 @@ struct Ringing
         return Window(n)->findChild<T*>(QString::fromLatin1(name));
     }
     QString Text(int n, const char* label) const { return In<QLabel>(n, label)->text(); }
-    Desk desk;
+    Owners desk;
 };
 
 } // namespace
@@ -118,11 +122,11 @@ private slots:
     {
         Ringing r(ThreePlain);
         r.desk.plays.clear();
-        r.desk.flash->Flashes = 0;
+        r.desk.flash.Flashes = 0;
         r.Window(1)->tmrFlash_Timer();
         QCOMPARE(r.desk.plays.size(), 1);
         QVERIFY(r.desk.plays[0].endsWith(QStringLiteral("/DefaultAlarm.Wav")));
-        QCOMPARE(r.desk.flash->Flashes, 1);
+        QCOMPARE(r.desk.flash.Flashes, 1);
     }
 
     void aSoundStillPlayingIsNotStartedAgain()
@@ -132,7 +136,7 @@ private slots:
         r.Window(1)->tmrFlash_Timer();
         r.Window(1)->tmrFlash_Timer(); // the fake sound is still playing
         QCOMPARE(r.desk.plays.size(), 1);
-        QCOMPARE(r.desk.flash->Flashes, 2);
+        QCOMPARE(r.desk.flash.Flashes, 2);
     }
 
     void namedSoundIsPlayedInsteadOfTheDefault()
@@ -150,7 +154,7 @@ private slots:
         r.Window(1)->tmrFlash_Timer();
         r.Window(1)->tmrFlash_Timer();
         QCOMPARE(r.desk.plays.size(), 0);
-        QCOMPARE(r.desk.flash->Flashes, 2);
+        QCOMPARE(r.desk.flash.Flashes, 2);
     }
 
     void timerResetAtTenSevenExpiresAtTenThirtySeven()
@@ -162,8 +166,8 @@ private slots:
         QCOMPARE(a.Expire, QStringLiteral("10:37"));
         QVERIFY(a.AlarmSet);
         QVERIFY(!a.Ringing);
-        QVERIFY(r.desk.TodaysLog().endsWith(Desk::Line("10:07", "SA", 0, "Alarm acknowleged, reset for ",
-                                                       "Pump check", ", expires at 10:37")));
+        QVERIFY(r.desk.TodaysLog().endsWith(Owners::Line("10:07", "SA", 0, "Alarm acknowleged, reset for ",
+                                                         "Pump check", ", expires at 10:37")));
         QTRY_VERIFY(!r.Window(1));
         QVERIFY(r.desk.stops > 0); // the sound is stopped when the window closes
     }
@@ -173,10 +177,10 @@ private slots:
         Ringing r(SafetyTimer);
         r.In<QLineEdit>(1, "txtLocation")->setText(QStringLiteral("Ridge road km 12"));
         r.Window(1)->cmdReset_Click();
-        QVERIFY(r.desk.TodaysLog().endsWith(Desk::Line("10:07", "SA", 1, "Alarm acknowleged, reset for ",
-                                                       "Crew 7", ", expires at 10:22, Ridge road km 12")));
+        QVERIFY(r.desk.TodaysLog().endsWith(Owners::Line("10:07", "SA", 1, "Alarm acknowleged, reset for ",
+                                                         "Crew 7", ", expires at 10:22, Ridge road km 12")));
         QCOMPARE(r.desk.Alarms().At(1).LastPosition, QStringLiteral("10:07 Ridge road km 12"));
-        QCOMPARE(r.desk.window->findChild<AlarmListView*>()->RowByTag(QStringLiteral(" 1")).LastCheck,
+        QCOMPARE(r.desk.host.findChild<AlarmListView*>()->RowByTag(QStringLiteral(" 1")).LastCheck,
                  QStringLiteral("10:07 Ridge road km 12"));
     }
 
@@ -186,9 +190,9 @@ private slots:
         r.Window(1)->cmdReset_Click();
         QTRY_VERIFY(!r.Window(1));
         QCOMPARE(r.desk.Alarms().At(1).Expire, QStringLiteral("07:00"));
-        r.desk.window->CheckAlarms(7, 1);
-        r.desk.clock.Set(Desk::Monday.addDays(1), QTime(7, 0));
-        r.desk.window->CheckAlarms(7, 0);
+        r.desk.alarms.ScanExpiries(7, 1);
+        r.desk.clock.Set(Owners::Monday.addDays(1), QTime(7, 0));
+        r.desk.alarms.ScanExpiries(7, 0);
         QVERIFY(r.Window(1));
         QVERIFY(r.desk.Alarms().At(1).Ringing);
     }
@@ -199,9 +203,9 @@ private slots:
         r.Window(1)->cmdStop_Click();
         QCOMPARE(r.desk.Alarms().AlarmCount, 2);
         QCOMPARE(r.desk.Alarms().At(1).Message, QStringLiteral("Second"));
-        QCOMPARE(r.desk.window->findChild<AlarmListView*>()->RowCount(), 2);
+        QCOMPARE(r.desk.host.findChild<AlarmListView*>()->RowCount(), 2);
         QVERIFY(r.desk.TodaysLog().endsWith(
-            Desk::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "Second", "")));
+            Owners::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "Second", "")));
     }
 
     void stoppingTheLastAlarmLogsAnEmptyRecord()
@@ -210,7 +214,7 @@ private slots:
         r.Window(1)->cmdStop_Click();
         QCOMPARE(r.desk.Alarms().AlarmCount, 0);
         QVERIFY(r.desk.TodaysLog().endsWith(
-            Desk::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "", "")));
+            Owners::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "", "")));
     }
 
     void terminatedRetainedAlarmStaysUnset()
@@ -222,7 +226,7 @@ private slots:
         QVERIFY(!a.AlarmSet);
         QVERIFY(!a.Ringing);
         QVERIFY(r.desk.TodaysLog().endsWith(
-            Desk::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "Pump check", "")));
+            Owners::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "Pump check", "")));
     }
 
     void terminatedSafetyAlarmLogsTheLocation()
@@ -231,7 +235,7 @@ private slots:
         r.In<QLineEdit>(1, "txtLocation")->setText(QStringLiteral("Base"));
         r.Window(1)->cmdStop_Click();
         QVERIFY(r.desk.TodaysLog().endsWith(
-            Desk::Line("10:07", "SA", 1, "Alarm acknowledged, terminated for  ", "Crew 7", ", Base")));
+            Owners::Line("10:07", "SA", 1, "Alarm acknowledged, terminated for  ", "Crew 7", ", Base")));
     }
 
     void closingTheWindowOtherwiseKeepsTheAlarmRinging()
@@ -249,9 +253,9 @@ private slots:
 
     void checkInWindowIsSilentAndStill()
     {
-        Desk desk(SafetyTimer);
-        QVERIFY(desk.window->Load());
-        desk.window->show();
+        Owners desk(SafetyTimer);
+        QVERIFY(desk.Start());
+        desk.host.show();
         desk.Windows().StartCheckIn(1);
         frmAlarm* w = desk.Windows().AlarmWindow(1);
         QVERIFY(w && w->CheckIn());
@@ -263,15 +267,15 @@ private slots:
         QVERIFY(!desk.Alarms().At(1).AlarmSet);
         w->tmrFlash_Timer();
         QCOMPARE(desk.plays.size(), 0);
-        QCOMPARE(desk.flash->Flashes, 0);
+        QCOMPARE(desk.flash.Flashes, 0);
         // Reset re-arms it for a fresh interval from now.
-        desk.clock.Set(Desk::Monday, QTime(9, 50));
+        desk.clock.Set(Owners::Monday, QTime(9, 50));
         w->findChild<QLineEdit*>(QStringLiteral("txtLocation"))->setText(QStringLiteral("Camp 2"));
         w->cmdReset_Click();
         QCOMPARE(desk.Alarms().At(1).Expire, QStringLiteral("10:05"));
         QVERIFY(desk.Alarms().At(1).AlarmSet);
-        QVERIFY(desk.TodaysLog().endsWith(Desk::Line("09:50", "SA", 1, "Alarm acknowleged, reset for ",
-                                                     "Crew 7", ", expires at 10:05, Camp 2")));
+        QVERIFY(desk.TodaysLog().endsWith(Owners::Line("09:50", "SA", 1, "Alarm acknowleged, reset for ",
+                                                       "Crew 7", ", expires at 10:05, Camp 2")));
         QCOMPARE(desk.Alarms().At(1).LastPosition, QStringLiteral("09:50 Camp 2"));
     }
 

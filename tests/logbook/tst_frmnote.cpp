@@ -1,9 +1,10 @@
-#include "Desk.h"
+#include "Owners.h"
 #include "alarms/AlarmPanel.h"
 #include "logbook/frmNote.h"
 #include "widgets/MessageBox.h"
 #include "widgets/TimeBox.h"
 
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -12,10 +13,20 @@ const QByteArray TwoAlarms = "[General]\nLogOn=1\nLogSafetyOnly=False\n[Alarms]\
                              "Message%201=Tea\nExpire%201=10:30\nAlarmSet%201=True\n"
                              "Message%202=Crew 7\nExpire%202=11:00\nAlarmSet%202=True\nSafety%202=1\n";
 
-frmNote* OpenNote(Desk& desk)
+// The owners after start-up, with the alarm panel placed as the main window places it.
+struct NoteDesk : Owners
 {
-    desk.window->findChild<AlarmPanel*>()->OpenNote();
-    const auto notes = desk.window->findChildren<frmNote*>();
+    explicit NoteDesk(const QByteArray& ini) : Owners(ini)
+    {
+        panel = Place(new AlarmPanel(alarms, windows, prefs));
+    }
+    AlarmPanel* panel = nullptr;
+};
+
+frmNote* OpenNote(NoteDesk& desk)
+{
+    desk.panel->OpenNote();
+    const auto notes = desk.host.findChildren<frmNote*>();
     return notes.isEmpty() ? nullptr : notes.last();
 }
 } // namespace
@@ -29,8 +40,8 @@ private slots:
 
     void noteIsWrittenWithTheAlarmAndTheTime()
     {
-        Desk desk(TwoAlarms);
-        QVERIFY(desk.window->Load());
+        NoteDesk desk(TwoAlarms);
+        QVERIFY(desk.Start());
         frmNote* note = OpenNote(desk);
         QVERIFY(note);
         QCOMPARE(note->windowTitle(), QStringLiteral("Write a note to the Logbook (Max. 60 characters)"));
@@ -41,27 +52,27 @@ private slots:
                  QStringLiteral("Record in Logbook"));
         note->findChild<QLineEdit*>(QStringLiteral("txtNote"))->setText(QStringLiteral("kettle on"));
         note->cmdOK_Click();
-        QVERIFY(desk.TodaysLog().endsWith(Desk::Line("10:00", "NT", 0, "Tea: ", "kettle on", " (10:00)")));
+        QVERIFY(desk.TodaysLog().endsWith(Owners::Line("10:00", "NT", 0, "Tea: ", "kettle on", " (10:00)")));
     }
 
     void newlySelectedAlarmIsUsedWhenTheNoteIsRecorded()
     {
-        Desk desk(TwoAlarms);
-        QVERIFY(desk.window->Load());
+        NoteDesk desk(TwoAlarms);
+        QVERIFY(desk.Start());
         frmNote* note = OpenNote(desk);
         desk.Alarms().SelectedAlarm = 2;
-        desk.window->Alarms().SetSelectedAlarm();
+        desk.alarms.SetSelectedAlarm();
         note->findChild<QLineEdit*>(QStringLiteral("txtNote"))->setText(QStringLiteral("at the ridge"));
         note->cmdOK_Click();
         QCOMPARE(note->findChild<QLabel*>(QStringLiteral("lblAlarm"))->text(), QStringLiteral("Tea"));
-        QVERIFY(
-            desk.TodaysLog().endsWith(Desk::Line("10:00", "NT", 1, "Crew 7: ", "at the ridge", " (10:00)")));
+        QVERIFY(desk.TodaysLog().endsWith(
+            Owners::Line("10:00", "NT", 1, "Crew 7: ", "at the ridge", " (10:00)")));
     }
 
     void partlyFilledTimeIsRecordedAsItStands()
     {
-        Desk desk(TwoAlarms);
-        QVERIFY(desk.window->Load());
+        NoteDesk desk(TwoAlarms);
+        QVERIFY(desk.Start());
         frmNote* note = OpenNote(desk);
         auto* time = note->findChild<TimeBox*>(QStringLiteral("edtTime"));
         time->SetText(QString());
@@ -70,13 +81,13 @@ private slots:
         time->setCursorPosition(3);
         QTest::keyClicks(time, QStringLiteral("3"));
         note->cmdOK_Click();
-        QVERIFY(desk.TodaysLog().endsWith(Desk::Line("10:00", "NT", 0, "Tea: ", "", " (1_:3_)")));
+        QVERIFY(desk.TodaysLog().endsWith(Owners::Line("10:00", "NT", 0, "Tea: ", "", " (1_:3_)")));
     }
 
     void noteOfSixtyCharactersIsAcceptedAndMoreIsRefused()
     {
-        Desk desk(TwoAlarms);
-        QVERIFY(desk.window->Load());
+        NoteDesk desk(TwoAlarms);
+        QVERIFY(desk.Start());
         frmNote* note = OpenNote(desk);
         auto* text = note->findChild<QLineEdit*>(QStringLiteral("txtNote"));
         const QString sixty(60, u'x');
@@ -86,9 +97,9 @@ private slots:
 
     void noteOnAnOrdinaryAlarmIsDroppedInSafetyOnlyMode()
     {
-        Desk desk(
+        NoteDesk desk(
             "[General]\nLogOn=1\n[Alarms]\nCount=1\nMessage%201=Tea\nExpire%201=10:30\nAlarmSet%201=True\n");
-        QVERIFY(desk.window->Load());
+        QVERIFY(desk.Start());
         frmNote* note = OpenNote(desk);
         note->cmdOK_Click();
         QCOMPARE(desk.TodaysLog(), QByteArray());
@@ -96,8 +107,8 @@ private slots:
 
     void cancelWritesNothing()
     {
-        Desk desk(TwoAlarms);
-        QVERIFY(desk.window->Load());
+        NoteDesk desk(TwoAlarms);
+        QVERIFY(desk.Start());
         const QByteArray before = desk.TodaysLog();
         frmNote* note = OpenNote(desk);
         note->cmdCancel_Click();
@@ -106,11 +117,11 @@ private slots:
 
     void severalNotesMayBeOpenAtOnce()
     {
-        Desk desk(TwoAlarms);
-        QVERIFY(desk.window->Load());
+        NoteDesk desk(TwoAlarms);
+        QVERIFY(desk.Start());
         OpenNote(desk);
         OpenNote(desk);
-        QCOMPARE(desk.window->findChildren<frmNote*>().size(), 2);
+        QCOMPARE(desk.host.findChildren<frmNote*>().size(), 2);
     }
 };
 

@@ -3,6 +3,7 @@
 #include "logbook/LogBook.h"
 
 #include <QDir>
+#include <QSignalSpy>
 #include <QtTest>
 
 namespace {
@@ -225,6 +226,68 @@ private slots:
         QVERIFY(error);
         QVERIFY2(error->startsWith(QStringLiteral("Error opening logbook 20261103.log\r\r")),
                  qPrintable(*error));
+    }
+
+    void writerStampsItsTimeAndFollowsItsOwnSwitches()
+    {
+        TestEnvironment env;
+        ManualClock clock;
+        LogBook log(env.LogFolder(), clock, EnUs);
+        log.SetTimeSource([] { return QStringLiteral("10:42"); });
+        QVERIFY(!log.OpenTodaysLog());
+        // The switches start off: nothing is written.
+        log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("a"), QString(), QString());
+        QCOMPARE(TestEnvironment::ReadFile(log.PathOf(clock.Today())), QByteArray());
+        QSignalSpy switches(&log, &LogBook::SwitchesChanged);
+        log.SetSwitches(SafetyOnly);
+        log.SetSwitches(SafetyOnly); // the same again is no change
+        QCOMPARE(switches.size(), 1);
+        log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("ordinary"), QString(), QString());
+        log.WriteLogEntry(QStringLiteral("NT"), 1, QStringLiteral("safety"), QString(), QString());
+        QCOMPARE(TestEnvironment::ReadFile(log.PathOf(clock.Today())),
+                 QByteArray("\"11/16/2026\",\"10:42\",\"NT\",1,\"safety\",\"\",\"\"\r\n"));
+    }
+
+    void everyFailureIsAnnounced()
+    {
+        TestEnvironment env;
+        ManualClock clock;
+        TestEnvironment::WriteFile(env.LogFolder(), "not a folder");
+        LogBook log(env.LogFolder(), clock, EnUs);
+        log.SetSwitches(AllEvents);
+        QSignalSpy failed(&log, &LogBook::Failed);
+        QVERIFY(log.OpenTodaysLog());
+        QCOMPARE(failed.size(), 1);
+        QVERIFY(
+            failed.at(0).at(0).toString().startsWith(QStringLiteral("Error opening today's logbook\r\r")));
+        log.WriteLogEntry(QStringLiteral("ST"), 0, QStringLiteral("Start program"), QString(), QString());
+        QCOMPARE(failed.size(), 2);
+        QCOMPARE(failed.at(1).at(0).toString(),
+                 QStringLiteral("Error writing to the logbook\r\r2 - The logbook file is not open"));
+    }
+
+    void readingTodayClosesAndReopensTodaysLog()
+    {
+        TestEnvironment env;
+        ManualClock clock;
+        LogBook log(env.LogFolder(), clock, EnUs);
+        log.SetSwitches(AllEvents);
+        log.SetTimeSource([] { return QStringLiteral("10:00"); });
+        QVERIFY(!log.OpenTodaysLog());
+        log.WriteLogEntry(QStringLiteral("ST"), 0, QStringLiteral("Start program"), QString(), QString());
+        const LogDay today = log.ReadDay(clock.Today(), false);
+        QVERIFY(today.Found);
+        QVERIFY(!today.OpenError);
+        QCOMPARE(today.Entries.size(), 1);
+        QCOMPARE(today.Entries.at(0).at(4), QStringLiteral("Start program"));
+        QVERIFY(log.IsTodaysLogOpen());
+        QVERIFY(!log.DayLog().isOpen());
+        // Today without its file: reopened only when asked.
+        QFile::remove(log.PathOf(clock.Today()));
+        QVERIFY(!log.ReadDay(clock.Today(), false).Found);
+        QVERIFY(!log.IsTodaysLogOpen());
+        QVERIFY(!log.ReadDay(clock.Today(), true).Found);
+        QVERIFY(log.IsTodaysLogOpen());
     }
 
     void availableDaysSkipNamesThatAreNotEightDigits()

@@ -1,4 +1,4 @@
-#include "Desk.h"
+#include "Owners.h"
 #include "logbook/LogPrinter.h"
 #include "widgets/MessageBox.h"
 #include "widgets/PrintSetup.h"
@@ -28,13 +28,13 @@ struct Printing
 {
     explicit Printing(const QByteArray& log)
     {
-        TestEnvironment::WriteFile(desk.LogPath(Desk::Monday), log);
-        QVERIFY(desk.window->Load());
+        TestEnvironment::WriteFile(desk.LogPath(Owners::Monday), log);
+        QVERIFY(desk.Start());
         pdf = QDir(desk.env.Root()).filePath(QStringLiteral("printed.pdf"));
         PrintSetup::SetTestOutputFile(pdf);
     }
     ~Printing() { PrintSetup::SetTestOutputFile(QString()); }
-    Desk desk{"[General]\nLogOn=1\nLogSafetyOnly=False\n"};
+    Owners desk{"[General]\nLogOn=1\nLogSafetyOnly=False\n"};
     QString pdf;
 };
 
@@ -62,8 +62,8 @@ private slots:
 
     void pageHasTheHeadingAndTheEntryLines()
     {
-        Printing p(Desk::NotesFromEight(3));
-        PrintLog(p.desk.window.get(), p.desk.Viewer(), Desk::Monday);
+        Printing p(Owners::NotesFromEight(3));
+        PrintLog(&p.desk.host, p.desk.Viewer(), Owners::Monday);
         const QStringList pages = PdfPages(p.pdf);
         QCOMPARE(pages.size(), 1);
         const QString page = pages[0];
@@ -78,8 +78,8 @@ private slots:
 
     void fiftySixEntriesStartASecondPageWithOnlyTheHeading()
     {
-        Printing p(Desk::NotesFromEight(56));
-        PrintLog(p.desk.window.get(), p.desk.Viewer(), Desk::Monday);
+        Printing p(Owners::NotesFromEight(56));
+        PrintLog(&p.desk.host, p.desk.Viewer(), Owners::Monday);
         const QStringList pages = PdfPages(p.pdf);
         QCOMPARE(pages.size(), 2);
         QVERIFY(pages[0].contains(QStringLiteral("Entry: 56 (x)")));
@@ -90,8 +90,8 @@ private slots:
 
     void fiftySevenEntriesPutOneOnThePageTwo()
     {
-        Printing p(Desk::NotesFromEight(57));
-        PrintLog(p.desk.window.get(), p.desk.Viewer(), Desk::Monday);
+        Printing p(Owners::NotesFromEight(57));
+        PrintLog(&p.desk.host, p.desk.Viewer(), Owners::Monday);
         const QStringList pages = PdfPages(p.pdf);
         QCOMPARE(pages.size(), 2);
         QVERIFY(pages[1].contains(QStringLiteral("08:56--Entry: 57 (x)")));
@@ -100,34 +100,34 @@ private slots:
 
     void cancelPrintsNothingAndLeavesTodaysLogOpen()
     {
-        Printing p(Desk::NotesFromEight(3));
+        Printing p(Owners::NotesFromEight(3));
         frmPrinterSetup::SetNextAnswer(QString());
-        PrintLog(p.desk.window.get(), p.desk.Viewer(), p.desk.clock.Today());
+        PrintLog(&p.desk.host, p.desk.Viewer(), p.desk.clock.Today());
         QVERIFY(!QFileInfo::exists(p.pdf));
-        QVERIFY(p.desk.window->Log().IsTodaysLogOpen());
+        QVERIFY(p.desk.log.IsTodaysLogOpen());
     }
 
     void printingTodayReopensTodaysLog()
     {
-        Printing p(Desk::NotesFromEight(3));
-        PrintLog(p.desk.window.get(), p.desk.Viewer(), p.desk.clock.Today());
+        Printing p(Owners::NotesFromEight(3));
+        PrintLog(&p.desk.host, p.desk.Viewer(), p.desk.clock.Today());
         QVERIFY(QFileInfo::exists(p.pdf));
-        QVERIFY(p.desk.window->Log().IsTodaysLogOpen());
+        QVERIFY(p.desk.log.IsTodaysLogOpen());
         QVERIFY(PdfPages(p.pdf).value(0).contains(QStringLiteral("08:00--Entry: 1 (x)")));
     }
 
     void printerThatCannotStartIsReportedAndTodaysLogReopened()
     {
-        Printing p(Desk::NotesFromEight(3));
+        Printing p(Owners::NotesFromEight(3));
         // A folder where the output file should be: the printer cannot start.
         QVERIFY(QDir().mkpath(p.pdf));
-        PrintLog(p.desk.window.get(), p.desk.Viewer(), p.desk.clock.Today());
+        PrintLog(&p.desk.host, p.desk.Viewer(), p.desk.clock.Today());
         const auto shown = MessageBox::Shown();
         QCOMPARE(shown.size(), 1);
         QCOMPARE(shown[0].Text,
                  QStringLiteral("Error printing logbook\r\r482 - The printer could not start printing"));
         QCOMPARE(shown[0].Title, QStringLiteral("Tarrowind"));
-        QVERIFY(p.desk.window->Log().IsTodaysLogOpen());
+        QVERIFY(p.desk.log.IsTodaysLogOpen());
     }
 
     void printerSetupListsPrintersWithDriverAndPort()

@@ -1,9 +1,10 @@
-#include "Desk.h"
+#include "Owners.h"
 #include "logbook/LogPanel.h"
 #include "widgets/MessageBox.h"
 #include "widgets/MonthCalendar.h"
 
 #include <QCheckBox>
+#include <QLabel>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTextEdit>
@@ -18,22 +19,26 @@ QByteArray Fixture(const char* name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// A loaded main window whose clock reads 17 November, with the prepared log of the 16th.
+// The logbook panel after start-up, its clock reading 17 November, with the prepared log of
+// the 16th, opened as the status bar opens it.
 struct Viewer
 {
     explicit Viewer(const QByteArray& ini = LogAll) : desk(ini)
     {
-        desk.clock.Set(Desk::Monday.addDays(1), QTime(9, 0));
-        TestEnvironment::WriteFile(desk.LogPath(Desk::Monday), Fixture("20261116.log"));
-        QVERIFY(desk.window->Load());
-        desk.window->show();
-        desk.ClickPanel(QStringLiteral("Log"));
+        desk.clock.Set(Owners::Monday.addDays(1), QTime(9, 0));
+        TestEnvironment::WriteFile(desk.LogPath(Owners::Monday), Fixture("20261116.log"));
+        panel = desk.Place(new LogPanel(desk.viewer, desk.log));
+        QVERIFY(desk.Start());
+        desk.host.show();
+        desk.viewer.RefreshLogView();
+        panel->EnableChoicesFromLogCheck();
     }
     QString Text() const { return desk.Find<QTextEdit>(QStringLiteral("txtLog"))->toPlainText(); }
     QPushButton* Button(const char* name) const { return desk.Find<QPushButton>(QString::fromLatin1(name)); }
     QScrollBar* Bar() const { return desk.Find<QScrollBar>(QStringLiteral("hscDate")); }
     QString DateCaption() const { return desk.Find<QLabel>(QStringLiteral("txtDate"))->text(); }
-    Desk desk;
+    Owners desk;
+    LogPanel* panel = nullptr;
 };
 
 } // namespace
@@ -65,7 +70,7 @@ private slots:
         QVERIFY(!v.Text().contains(QStringLiteral("08:05--"))); // today is shown first
         v.Bar()->setValue(-1);
         QCOMPARE(v.Bar()->value(), 0); // the bar goes back to rest
-        QCOMPARE(v.desk.Viewer().LogBookDate(), Desk::Monday);
+        QCOMPARE(v.desk.Viewer().LogBookDate(), Owners::Monday);
         QCOMPARE(v.DateCaption(), QStringLiteral("Monday, November 16, 2026"));
         const QStringList lines = v.Text().split(u'\n');
         QVERIFY2(lines.contains(QStringLiteral("08:00--Start program")), qPrintable(v.Text()));
@@ -95,7 +100,7 @@ private slots:
         QCOMPARE(v.Text(), QStringLiteral("Log not available for this date"));
         QVERIFY(!v.Button("cmdPrint")->isEnabled());
         v.Bar()->setValue(4);
-        QCOMPARE(v.desk.Viewer().LogBookDate(), Desk::Monday);
+        QCOMPARE(v.desk.Viewer().LogBookDate(), Owners::Monday);
         QVERIFY(v.Button("cmdPrint")->isEnabled());
     }
 
@@ -115,7 +120,7 @@ private slots:
         Viewer v;
         v.Bar()->setValue(-3);
         QTest::mouseClick(v.Button("cmdReset"), Qt::LeftButton);
-        QCOMPARE(v.desk.Viewer().LogBookDate(), Desk::Monday.addDays(1));
+        QCOMPARE(v.desk.Viewer().LogBookDate(), Owners::Monday.addDays(1));
         QCOMPARE(v.DateCaption(), QStringLiteral("Tuesday, November 17, 2026"));
     }
 
@@ -125,7 +130,7 @@ private slots:
         v.Bar()->setValue(-1);
         QVERIFY(!v.Text().contains(QStringLiteral("written late")));
         QVERIFY(v.desk.Viewer().MarkedLogDays().contains(QDate(2026, 11, 15)));
-        QVERIFY(v.desk.Viewer().MarkedLogDays().contains(Desk::Monday));
+        QVERIFY(v.desk.Viewer().MarkedLogDays().contains(Owners::Monday));
     }
 
     void calendarOpensOnTheShownDayAndAClickShowsThatDay()
@@ -135,9 +140,9 @@ private slots:
         auto* calendar = v.desk.Find<MonthCalendar>(QStringLiteral("calDate"));
         QVERIFY(calendar->isVisible());
         QCOMPARE(v.Button("cmdCalendar")->text(), QStringLiteral("Close Calendar"));
-        QCOMPARE(calendar->CurrentDay(), Desk::Monday.addDays(1));
-        emit calendar->DateClicked(Desk::Monday);
-        QCOMPARE(v.desk.Viewer().LogBookDate(), Desk::Monday);
+        QCOMPARE(calendar->CurrentDay(), Owners::Monday.addDays(1));
+        emit calendar->DateClicked(Owners::Monday);
+        QCOMPARE(v.desk.Viewer().LogBookDate(), Owners::Monday);
         QVERIFY(v.Text().contains(QStringLiteral("08:05--Alarm set for Crew 7")));
         QVERIFY(!calendar->isVisible());
         QCOMPARE(v.Button("cmdCalendar")->text(), QStringLiteral("Calendar..."));
@@ -147,20 +152,20 @@ private slots:
     {
         Viewer v;
         auto* calendar = v.desk.Find<MonthCalendar>(QStringLiteral("calDate"));
-        QVERIFY(calendar->IsMarked(Desk::Monday));
-        QVERIFY(calendar->IsMarked(Desk::Monday.addDays(1))); // today's file, opened at start-up
-        QVERIFY(!calendar->IsMarked(Desk::Monday.addDays(-3)));
+        QVERIFY(calendar->IsMarked(Owners::Monday));
+        QVERIFY(calendar->IsMarked(Owners::Monday.addDays(1))); // today's file, opened at start-up
+        QVERIFY(!calendar->IsMarked(Owners::Monday.addDays(-3)));
     }
 
     void todaysLogStaysOpenAfterViewingToday()
     {
         Viewer v;
-        QVERIFY(v.desk.window->Log().IsTodaysLogOpen());
-        v.desk.window->Log().WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("x: "),
-                                           QStringLiteral("y"), QString());
+        QVERIFY(v.desk.log.IsTodaysLogOpen());
+        v.desk.log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("x: "), QStringLiteral("y"),
+                                 QString());
         v.desk.Viewer().RefreshLogView();
         QVERIFY(v.Text().contains(QStringLiteral("09:00--x: y")));
-        QVERIFY(v.desk.window->Log().IsTodaysLogOpen());
+        QVERIFY(v.desk.log.IsTodaysLogOpen());
     }
 
     void viewingTodayWhileItsFileIsMissingLeavesTheLogClosed()
@@ -169,9 +174,8 @@ private slots:
         QFile::remove(v.desk.LogPath(v.desk.clock.Today()));
         v.desk.Viewer().RefreshLogView();
         QCOMPARE(v.Text(), QStringLiteral("Log not available for this date"));
-        QVERIFY(!v.desk.window->Log().IsTodaysLogOpen());
-        v.desk.window->Log().WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("x"), QString(),
-                                           QString());
+        QVERIFY(!v.desk.log.IsTodaysLogOpen());
+        v.desk.log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("x"), QString(), QString());
         QVERIFY(
             MessageBox::Shown().last().Text.startsWith(QStringLiteral("Error writing to the logbook\r\r")));
     }
@@ -186,14 +190,14 @@ private slots:
         v.Bar()->setValue(-1);
         QVERIFY(!MessageBox::Shown().isEmpty());
         QVERIFY(MessageBox::Shown().last().Text.startsWith(QStringLiteral("Error refreshing logbook\r\r")));
-        QVERIFY(v.desk.window->Log().IsTodaysLogOpen());
+        QVERIFY(v.desk.log.IsTodaysLogOpen());
     }
 
-    void loggingSwitchShowsInTheStatusBar()
+    void loggingSwitchTurnsTheWriterOffAndDisablesTheChoices()
     {
         Viewer v;
         QTest::mouseClick(v.desk.Find<QCheckBox>(QStringLiteral("chkLog")), Qt::LeftButton);
-        QCOMPARE(v.desk.Status(), QStringLiteral("0 alarms, 0 set, Logging Off, System Clock"));
+        QVERIFY(!v.desk.log.Switches().LogOn);
         QVERIFY(!v.desk.Find<QWidget>(QStringLiteral("optAll"))->isEnabled());
     }
 };

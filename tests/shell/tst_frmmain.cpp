@@ -531,6 +531,25 @@ private slots:
         QTRY_COMPARE(desk.window->height(), bareHeight);
     }
 
+    void statusLineFollowsTheAlarmPanelAndTheLogSwitch()
+    {
+        Desk desk(LogAllEvents);
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.ClickPanel(QStringLiteral("Alarm"));
+        QTest::mouseClick(desk.Find<QPushButton>(QStringLiteral("cmdNew")), Qt::LeftButton);
+        QCOMPARE(desk.Status(), QStringLiteral("1 alarms, 0 set, Logging On, System Clock"));
+        auto* expire = desk.Find<QLineEdit>(QStringLiteral("edtExpire"));
+        expire->setFocus();
+        expire->selectAll();
+        QTest::keyClicks(expire, QStringLiteral("0730"));
+        QTest::mouseClick(desk.Find<QPushButton>(QStringLiteral("cmdSet")), Qt::LeftButton);
+        QCOMPARE(desk.Status(), QStringLiteral("1 alarms, 1 set, Logging On, System Clock"));
+        desk.ClickPanel(QStringLiteral("Log"));
+        QTest::mouseClick(desk.Find<QCheckBox>(QStringLiteral("chkLog")), Qt::LeftButton);
+        QCOMPARE(desk.Status(), QStringLiteral("1 alarms, 1 set, Logging Off, System Clock"));
+    }
+
     void logPanelEnablesItsChoicesFromTheLogSwitch()
     {
         Desk desk;

@@ -7,6 +7,10 @@
 #include "settings/Preferences.h"
 #include "settings/SettingsStore.h"
 
+#include <QRegularExpression>
+
+#include <optional>
+
 AlarmDesk::AlarmDesk(SettingsStore& store, LogBook& log, const Clock& clock, const Preferences& preferences,
                      QObject* parent)
     : QObject(parent), m_store(store), m_log(log), m_clock(clock), m_preferences(preferences)
@@ -69,25 +73,71 @@ void AlarmDesk::DeleteAlarm(int ptr)
 
 bool AlarmDesk::ScanExpiries(int hour, int minute)
 {
+    const QDateTime to(InternetDateTimeNow().date(), QTime(hour, minute));
+    return ScanSpan(to.addSecs(-60), to);
+}
+
+namespace {
+
+// The last time at `expire` ("hh:mm") after `from` and up to `to`, if there is one.
+std::optional<QDateTime> LastInstance(const QString& expire, const QDateTime& from, const QDateTime& to)
+{
+    // An expiry that is not two digits, a colon and two digits never matches.
+    static const QRegularExpression form(QStringLiteral("^\\d\\d:\\d\\d$"));
+    const QTime time =
+        form.match(expire).hasMatch() ? QTime::fromString(expire, QStringLiteral("HH:mm")) : QTime();
+    if (!time.isValid())
+        return std::nullopt;
+    QDateTime at(to.date(), time);
+    if (at > to)
+        at = at.addDays(-1);
+    if (at <= from)
+        return std::nullopt;
+    return at;
+}
+
+} // namespace
+
+bool AlarmDesk::ScanSpan(const QDateTime& from, const QDateTime& to)
+{
     bool expired = false;
     for (int n = 1; n <= m_alarms.AlarmCount; ++n) {
-        if (!ExpiresAt(m_alarms.At(n), hour, minute))
+        AlarmRecord& due = m_alarms.At(n);
+        if (!due.AlarmSet || due.Ringing)
             continue;
+        const auto at = LastInstance(due.Expire, from, to);
+        if (!at || due.RangFor == *at)
+            continue;
+        due.RangFor = *at;
+        due.LateMinutes = int(at->secsTo(to) / 60);
+        const quint64 id = m_alarms.IdOf(n);
         emit AlarmDue(n);
         if (m_stopped)
             return expired; // the program was ended while a message was open
+        // A window may have moved the table meanwhile: go on from this alarm's own slot.
+        if (const int moved = m_alarms.SlotOf(id); moved != 0) {
+            n = moved;
+        } else {
+            --n; // it was deleted: the next alarm moved into its slot
+            continue;
+        }
         m_alarms.At(n).Ringing = true;
         expired = true;
         const AlarmRecord& a = m_alarms.At(n);
+        const QString late = a.LateMinutes > 0 ? QStringLiteral(", rang ") + QString::number(a.LateMinutes) +
+                                                     (a.LateMinutes == 1 ? QStringLiteral(" minute late")
+                                                                         : QStringLiteral(" minutes late"))
+                                               : QString();
         m_log.WriteLogEntry(QStringLiteral("EA"), a.Safety, QString::fromUtf16(AlarmLogText::Expired),
-                            a.Message, QString());
+                            a.Message, late);
         if (m_stopped)
             return expired;
     }
     if (expired) {
-        emit AlarmsRang();
         RefreshAlarmList();
-        // The ringing alarm's buttons are locked in the editor.
+        // The windows are placed and the log view redrawn once the list shows the ringing.
+        emit AlarmsRang();
+        // The editor shows the state of its alarm again (locked when it is the ringing one).
         SetSelectedAlarm();
     }
     return expired;

@@ -43,10 +43,14 @@ public:
     // Removes alarm `ptr`; the later alarms move down one slot.
     void DeleteAlarm(int ptr);
 
-    // Every set alarm due at this hour and minute goes off, lower numbers first: each is
-    // announced through AlarmDue (which opens its window), marked ringing and logged. The
-    // count is read again at each step, since a window may change the table. True when
-    // any alarm went off.
+    // Every set alarm whose time falls after `from` and up to `to` (minutes of the
+    // corrected clock, at most a day apart) goes off once, lower numbers first: each is
+    // announced through AlarmDue (which opens its window), marked ringing and logged, with
+    // how late it is when its minute passed unseen. An alarm already ringing, or that rang
+    // for the same expiry before (the clock was set back), does not ring again. The count is
+    // read again at each step, since a window may change the table. True when any rang.
+    bool ScanSpan(const QDateTime& from, const QDateTime& to);
+    // The scan of one minute of today: ScanSpan over that minute alone.
     bool ScanExpiries(int hour, int minute);
 
     // The program is stopping: a scan under way ends at its next step.

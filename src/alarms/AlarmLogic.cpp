@@ -53,6 +53,9 @@ void DeleteAlarm(AlarmTable& table, int ptr)
         // A ringing alarm keeps ringing where it moves to, so that its window and the
         // editor's lock follow it.
         to.Ringing = from.Ringing;
+        to.Id = from.Id;
+        to.RangFor = from.RangFor;
+        to.LateMinutes = from.LateMinutes;
     }
     AlarmRecord& last = table.At(table.AlarmCount);
     last.AlarmSet = false;
@@ -65,6 +68,9 @@ void DeleteAlarm(AlarmTable& table, int ptr)
     last.Repeat = 0;
     last.TypeTimer = false;
     last.Ringing = false;
+    last.Id = 0;
+    last.RangFor = QDateTime();
+    last.LateMinutes = 0;
     --table.AlarmCount;
 }
 

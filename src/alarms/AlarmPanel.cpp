@@ -4,6 +4,7 @@
 #include "alarms/AlarmListView.h"
 #include "alarms/AlarmLogic.h"
 #include "alarms/AlarmWindows.h"
+#include "clock/TimeText.h"
 #include "logbook/LogBook.h"
 #include "logbook/frmNote.h"
 #include "settings/Preferences.h"
@@ -24,10 +25,12 @@
 #include <QVBoxLayout>
 
 #include <exception>
+#include <optional>
 
 namespace {
 
 const QString RingingTip = QStringLiteral("This Alarm is ringing, acknowledge first");
+const QString WindowOpenTip = QStringLiteral("This Alarm's window is open, answer it first");
 
 } // namespace
 
@@ -146,8 +149,11 @@ AlarmPanel::AlarmPanel(AlarmDesk& desk, AlarmWindows& windows, const Preferences
     connect(m_edtExpire, &TimeBox::KeyTyped, this, &AlarmPanel::edtExpire_KeyPress);
     connect(m_edtExpire, &TimeBox::LostFocus, this, &AlarmPanel::edtExpire_LostFocus);
     // Enter in the time box sets the alarm.
+    // Enter in the time box sets the alarm; it never cancels one that is set.
     connect(m_edtExpire, &QLineEdit::returnPressed, this, [this] {
-        if (m_cmdSet->isEnabled())
+        const AlarmTable& table = m_desk.Table();
+        const int n = table.SelectedAlarm;
+        if (m_cmdSet->isEnabled() && n >= 1 && n <= table.AlarmCount && !table.At(n).AlarmSet)
             cmdSet_Click();
     });
     m_optNamed->installEventFilter(this);
@@ -226,13 +232,17 @@ void AlarmPanel::SetSelectedAlarm()
         m_optNamed->setToolTip(a.AudioPath);
     }
     m_lstAlarms->setToolTip(ListToolTip(a));
+    // While the alarm rings, or its window (a check-in) is open, the window answers for
+    // it: the editor may not set, cancel, delete or check it in.
     const bool ringing = a.Ringing;
-    m_cmdDelete->setEnabled(!ringing);
-    m_cmdSet->setEnabled(!ringing);
-    m_cmdCheckIn->setEnabled(!ringing && m_chkSafety->isChecked());
-    m_cmdDelete->setToolTip(ringing ? RingingTip : QStringLiteral("Delete alarm"));
-    m_cmdSet->setToolTip(ringing ? RingingTip : QStringLiteral("Set/Cancel alarm"));
-    m_cmdCheckIn->setToolTip(ringing ? RingingTip : QStringLiteral("Safety check in"));
+    const bool locked = ringing || m_windows.AlarmWindow(n) != nullptr;
+    const QString lockTip = ringing ? RingingTip : WindowOpenTip;
+    m_cmdDelete->setEnabled(!locked);
+    m_cmdSet->setEnabled(!locked);
+    m_cmdCheckIn->setEnabled(!locked && m_chkSafety->isChecked());
+    m_cmdDelete->setToolTip(locked ? lockTip : QStringLiteral("Delete alarm"));
+    m_cmdSet->setToolTip(locked ? lockTip : QStringLiteral("Set/Cancel alarm"));
+    m_cmdCheckIn->setToolTip(locked ? lockTip : QStringLiteral("Safety check in"));
     m_loadingEditor = false;
 }
 
@@ -275,12 +285,9 @@ void AlarmPanel::cmdSet_Click()
                                        QString::fromUtf16(AlarmLogText::Cancelled), a.Message, QString());
             table.At(n).AlarmSet = false;
         } else {
-            // An alarm armed with a time that cannot be read could never ring: refuse it.
-            if (!IntervalMinutes(m_edtExpire->Text())) {
-                MessageBox::Notice(this,
-                                   QStringLiteral("The alarm was not set: type its ") +
-                                       (a.TypeTimer ? QStringLiteral("interval") : QStringLiteral("time")) +
-                                       QStringLiteral(" as hh:mm (00:00 to 23:59)."));
+            // An alarm that could never ring, or only a day late, is refused.
+            if (const auto refusal = SetRefusal(a, m_edtExpire->Text())) {
+                MessageBox::Notice(this, *refusal);
                 m_edtExpire->setFocus();
                 return;
             }
@@ -303,10 +310,31 @@ void AlarmPanel::cmdSet_Click()
     }
 }
 
+std::optional<QString> AlarmPanel::SetRefusal(const AlarmRecord& a, const QString& boxText) const
+{
+    const auto minutes = IntervalMinutes(boxText);
+    if (!minutes)
+        return QStringLiteral("The alarm was not set: type its ") +
+               (a.TypeTimer ? QStringLiteral("interval") : QStringLiteral("time")) +
+               QStringLiteral(" as hh:mm (00:00 to 23:59).");
+    if (a.TypeTimer && *minutes == 0)
+        return QStringLiteral("The alarm was not set: a timer of 00:00 would not ring until tomorrow.\r"
+                              "Type an interval from 00:01 to 23:59.");
+    // This minute has been handled already: set for it, the alarm would ring a day late.
+    if (!a.TypeTimer && TimeText(boxText) == m_desk.InternetNow())
+        return QStringLiteral("The alarm was not set: ") + TimeText(boxText) +
+               QStringLiteral(" is the present minute, so it would not ring until tomorrow.\r"
+                              "Type a later time.");
+    return std::nullopt;
+}
+
 void AlarmPanel::cmdDelete_Click()
 {
     AlarmTable& table = m_desk.Table();
     if (table.AlarmCount == 0)
+        return;
+    // An alarm whose window is open is answered there, not deleted under it.
+    if (table.At(table.SelectedAlarm).Ringing || m_windows.AlarmWindow(table.SelectedAlarm))
         return;
     m_desk.DeleteAlarm(table.SelectedAlarm);
     if (table.AlarmCount == 0) {
@@ -314,6 +342,9 @@ void AlarmPanel::cmdDelete_Click()
         m_txtMessage->clear();
         m_edtExpire->SetText(QString());
         m_cmdSet->setText(QStringLiteral(" Set Alarm"));
+        m_chkSafety->setChecked(false);
+        m_chkRepeat->setChecked(false);
+        m_cmdCheckIn->setEnabled(false);
         m_loadingEditor = false;
     }
 }
@@ -457,16 +488,22 @@ void AlarmPanel::optNamed_MouseDown()
 {
     if (!Editing())
         return;
-    AlarmRecord& a = m_desk.Table().At(m_desk.Table().SelectedAlarm);
-    const QString path = FileDialog::GetOpenFileName(this, QStringLiteral("Alarm"), a.AudioPath,
-                                                     QStringLiteral("Wave (*.Wav *.wav)"));
-    SetNamedSound(path);
+    AlarmTable& table = m_desk.Table();
+    // The sound goes to the alarm the dialog was opened for, whatever happens meanwhile.
+    const quint64 id = table.IdOf(table.SelectedAlarm);
+    const QString path =
+        FileDialog::GetOpenFileName(this, QStringLiteral("Alarm"), table.At(table.SelectedAlarm).AudioPath,
+                                    QStringLiteral("Wave (*.Wav *.wav)"));
+    const int n = table.SlotOf(id);
+    if (n == 0)
+        return; // the alarm was deleted while the dialog was open
+    table.At(n).AudioPath = path;
+    if (n == table.SelectedAlarm)
+        SetNamedSound(path);
 }
 
 void AlarmPanel::SetNamedSound(const QString& path)
 {
-    AlarmRecord& a = m_desk.Table().At(m_desk.Table().SelectedAlarm);
-    a.AudioPath = path;
     if (path.isEmpty()) {
         m_optDefault->setChecked(true);
         m_optNamed->setToolTip(QStringLiteral("Default sound will be used"));

@@ -2,6 +2,8 @@
 
 #include <QFrame>
 
+#include <optional>
+
 class AlarmListView;
 class QCheckBox;
 class QGroupBox;
@@ -10,6 +12,7 @@ class QPushButton;
 class QRadioButton;
 class TimeBox;
 class AlarmDesk;
+struct AlarmRecord;
 class AlarmWindows;
 class Preferences;
 
@@ -60,6 +63,8 @@ private:
     // Enables or disables the two sound choices (the sound switch is off).
     void SetSoundChoicesEnabled(bool enabled);
     bool Editing() const;
+    // Why Set may not arm this alarm with the time box's text, when it may not.
+    std::optional<QString> SetRefusal(const AlarmRecord& a, const QString& boxText) const;
     void SetNamedSound(const QString& path);
 
     AlarmDesk& m_desk;

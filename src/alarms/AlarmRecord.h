@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QString>
 
 // One alarm. Text fields hold exactly the characters written; Safety and Repeat hold
@@ -16,4 +17,10 @@ struct AlarmRecord
     bool AlarmSet = false;
     QString AudioPath;    // empty: the default sound
     bool Ringing = false; // never stored
+    // Never stored either: which alarm this is for its open windows while records move
+    // between slots (0 until asked for), the expiry it last rang for (so that a clock set
+    // back does not ring it twice for the same one), and how many minutes late it rang.
+    quint64 Id = 0;
+    QDateTime RangFor;
+    int LateMinutes = 0;
 };

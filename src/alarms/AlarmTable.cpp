@@ -30,6 +30,24 @@ int AlarmTable::SetCount() const
     return count;
 }
 
+quint64 AlarmTable::IdOf(int n)
+{
+    AlarmRecord& a = At(n);
+    if (a.Id == 0)
+        a.Id = ++m_lastId;
+    return a.Id;
+}
+
+int AlarmTable::SlotOf(quint64 id) const
+{
+    if (id == 0)
+        return 0;
+    for (int n = 1; n <= AlarmCount; ++n)
+        if (At(n).Id == id)
+            return n;
+    return 0;
+}
+
 QString AlarmKey(const char16_t* field, int n)
 {
     return QString::fromUtf16(field) + u' ' + QString::number(n);

@@ -23,6 +23,11 @@ public:
     // How many of the alarms in use are set.
     int SetCount() const;
 
+    // The identity of alarm n, which follows its record when records move; given on first
+    // use. Its slot, or 0 when the record is no longer in the table.
+    quint64 IdOf(int n);
+    int SlotOf(quint64 id) const;
+
     // Reads "Count" and then alarms 1 to Count from section "Alarms"; a count above 30
     // stops at 30, and values that do not parse take the defaults.
     void Load(const SettingsStore& store);
@@ -34,6 +39,7 @@ public:
 
 private:
     std::array<AlarmRecord, MaxAlarms> m_slots;
+    quint64 m_lastId = 0;
 };
 
 // The store key of field `field` of alarm n: the field name, one blank, the number ("Safety 1").

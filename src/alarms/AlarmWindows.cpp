@@ -18,36 +18,26 @@ AlarmWindows::AlarmWindows(AlarmDesk& desk, const Preferences& preferences, QStr
 {
     connect(&m_desk, &AlarmDesk::AlarmDue, this, &AlarmWindows::ShowAlarmWindow);
     connect(&m_desk, &AlarmDesk::AlarmsRang, this, &AlarmWindows::RelayoutAlarmWindows);
-    connect(&m_desk, &AlarmDesk::AlarmDeleted, this, &AlarmWindows::FollowDeletedAlarm);
 }
 
-AlarmWindows::~AlarmWindows() = default;
-
-void AlarmWindows::FollowDeletedAlarm(int ptr)
+AlarmWindows::~AlarmWindows()
 {
-    // The windows of the later alarms follow them down one slot, so that answering one
-    // acts on its own alarm and not on the one that moved into its old slot.
-    for (int n = ptr + 1; n <= MaxAlarms; ++n) {
-        QPointer<frmAlarm>& from = m_alarmWindows.at(std::size_t(n - 1));
-        if (from) {
-            from->SetExpirePtr(n - 1);
-            if (!from->Tag().isEmpty())
-                from->SetTag(QStringLiteral("Alarm") + QString::number(n - 1));
-        }
-        m_alarmWindows.at(std::size_t(n - 2)) = from;
-        from = nullptr;
-    }
+    // The windows have no parent to take them along.
+    for (const QPointer<frmAlarm>& window : std::as_const(m_openAlarmWindows))
+        delete window.data();
+}
+
+void AlarmWindows::Track(frmAlarm* window)
+{
+    m_openAlarmWindows.append(window);
 }
 
 void AlarmWindows::ShowAlarmWindow(int n)
 {
-    m_desk.Table().SelectedAlarm = n;
-    m_desk.SetSelectedAlarm();
     frmAlarm* window = nullptr;
     try {
-        window = new frmAlarm(m_desk, *this, n, false, m_owner);
-        m_alarmWindows.at(std::size_t(n - 1)) = window;
-        m_openAlarmWindows.append(window);
+        window = new frmAlarm(m_desk, *this, n, false);
+        Track(window);
         window->show();
     } catch (const std::exception& e) {
         const AlarmRecord& a = m_desk.Table().At(n);
@@ -58,7 +48,6 @@ void AlarmWindows::ShowAlarmWindow(int n)
                                    MessageBox::Icon::Critical, false});
     }
     if (window) {
-        window->SetTag(QStringLiteral("Alarm") + QString::number(n));
         m_desk.RefreshAlarmList();
         window->FlashTimer().start();
     }
@@ -66,9 +55,8 @@ void AlarmWindows::ShowAlarmWindow(int n)
 
 void AlarmWindows::StartCheckIn(int n)
 {
-    auto* window = new frmAlarm(m_desk, *this, n, true, m_owner);
-    m_alarmWindows.at(std::size_t(n - 1)) = window;
-    m_openAlarmWindows.append(window);
+    auto* window = new frmAlarm(m_desk, *this, n, true);
+    Track(window);
     // The pending expiry is withdrawn while the operator reports.
     m_desk.Table().At(n).AlarmSet = false;
     m_desk.SetSelectedAlarm();
@@ -78,20 +66,14 @@ void AlarmWindows::StartCheckIn(int n)
 
 void AlarmWindows::RelayoutAlarmWindows()
 {
-    // The open windows are walked in their order of opening; each alarm window counts, and
-    // its alarm number picks the window of that slot, which is moved (not resized).
+    // The expired alarms' windows are placed in their order of opening, moved (not
+    // resized); check-in windows stay where they are.
     int k = 0;
     QPoint last;
-    for (const QPointer<frmAlarm>& walked : std::as_const(m_openAlarmWindows)) {
-        if (!walked || !walked->Tag().startsWith(QStringLiteral("Alarm")))
+    for (const QPointer<frmAlarm>& window : std::as_const(m_openAlarmWindows)) {
+        if (!window || window->CheckIn())
             continue;
         ++k;
-        const int number = walked->Tag().mid(5).toInt();
-        if (number < 1 || number > MaxAlarms)
-            return;
-        frmAlarm* window = m_alarmWindows.at(std::size_t(number - 1));
-        if (!window)
-            continue;
         const QSize size = window->frameGeometry().size();
         if (const auto position = AlarmWindowPositionTwips(k, size.width(), size.height()))
             last = *position; // computed on pixel sizes, so already in pixels
@@ -101,7 +83,10 @@ void AlarmWindows::RelayoutAlarmWindows()
 
 frmAlarm* AlarmWindows::AlarmWindow(int n) const
 {
-    return m_alarmWindows.at(std::size_t(n - 1));
+    for (const QPointer<frmAlarm>& window : m_openAlarmWindows)
+        if (window && window->ExpirePtr() == n)
+            return window;
+    return nullptr;
 }
 
 QList<frmAlarm*> AlarmWindows::OpenAlarmWindows() const
@@ -113,11 +98,16 @@ QList<frmAlarm*> AlarmWindows::OpenAlarmWindows() const
     return windows;
 }
 
+void AlarmWindows::RestorePendingCheckIns()
+{
+    for (frmAlarm* window : OpenAlarmWindows())
+        window->RestorePendingCheckIn();
+}
+
 void AlarmWindows::AlarmWindowClosed(frmAlarm* window)
 {
     m_openAlarmWindows.removeAll(window);
 }
-
 void AlarmWindows::AlarmAnswered()
 {
     emit Answered();

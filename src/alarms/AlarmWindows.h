@@ -7,7 +7,6 @@
 #include <QPointer>
 #include <QStringList>
 
-#include <array>
 #include <functional>
 #include <memory>
 
@@ -19,8 +18,9 @@ class WindowFlash;
 class frmAlarm;
 
 // The open alarm windows: one per alarm that rings or checks in, placed on the screen in
-// the order they opened, each following its own alarm when earlier alarms are deleted.
-// The windows are owned by the main window (`owner`), whose taskbar entry they flash.
+// the order they opened, each acting on its own alarm wherever its record moves. They are
+// windows of their own, not children of the main window, so that a dialog that blocks the
+// main window never blocks them; they flash the main window's (`owner`) taskbar entry.
 class AlarmWindows : public QObject
 {
     Q_OBJECT
@@ -31,15 +31,18 @@ public:
                  SoundFactory makeSound, WindowFlash& flash, QWidget* owner);
     ~AlarmWindows() override;
 
-    // Opens the window of alarm n, which goes off now.
+    // Opens the window of alarm n, which goes off now. The editor keeps the alarm it shows.
     void ShowAlarmWindow(int n);
     // Opens the check-in window of safety alarm n; its pending expiry is withdrawn.
     void StartCheckIn(int n);
     // Places the open windows in a grid of two columns and three rows.
     void RelayoutAlarmWindows();
 
+    // The open window of alarm n, if any.
     frmAlarm* AlarmWindow(int n) const;
     QList<frmAlarm*> OpenAlarmWindows() const;
+    // The program is stopping: open check-ins give their alarms back as pending.
+    void RestorePendingCheckIns();
 
     // Services of the windows.
     void AlarmWindowClosed(frmAlarm* window);
@@ -55,7 +58,7 @@ signals:
     void Answered();
 
 private:
-    void FollowDeletedAlarm(int ptr);
+    void Track(frmAlarm* window);
 
     AlarmDesk& m_desk;
     const Preferences& m_preferences;
@@ -63,8 +66,6 @@ private:
     SoundFactory m_makeSound;
     WindowFlash& m_flash;
     QWidget* m_owner;
-    // The alarm windows by alarm number (slot 1 first), and every open one in the order
-    // they were opened.
-    std::array<QPointer<frmAlarm>, MaxAlarms> m_alarmWindows{};
+    // Every open window, in the order they were opened.
     QList<QPointer<frmAlarm>> m_openAlarmWindows;
 };

@@ -4,8 +4,10 @@
 #include "alarms/AlarmLogic.h"
 #include "alarms/AlarmSound.h"
 #include "alarms/AlarmWindows.h"
+#include "clock/TimeText.h"
 #include "logbook/LogBook.h"
 #include "widgets/Icons.h"
+#include "widgets/MessageBox.h"
 #include "widgets/TopMost.h"
 
 #include <QCloseEvent>
@@ -21,7 +23,9 @@
 frmAlarm::frmAlarm(AlarmDesk& desk, AlarmWindows& windows, int expirePtr, bool checkIn, QWidget* parent)
     : QWidget(parent,
               Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint),
-      m_desk(desk), m_windows(windows), m_expirePtr(expirePtr), m_checkIn(checkIn), m_lblCaption(new QLabel),
+      m_desk(desk), m_windows(windows), m_id(desk.Table().IdOf(expirePtr)),
+      m_setBeforeCheckIn(desk.Table().At(expirePtr).AlarmSet),
+      m_expireBeforeCheckIn(desk.Table().At(expirePtr).Expire), m_checkIn(checkIn), m_lblCaption(new QLabel),
       m_lblMessage(new QLabel), m_lblExpired(new QLabel),
       m_lblLocation(new QLabel(QStringLiteral("Safety Check Location / Notes"))),
       m_txtLocation(new QLineEdit), m_cmdReset(new QPushButton(QStringLiteral("Reset to expire at 12:23"))),
@@ -33,19 +37,21 @@ frmAlarm::frmAlarm(AlarmDesk& desk, AlarmWindows& windows, int expirePtr, bool c
     setWindowTitle(QStringLiteral("Tarrowind Alarm"));
     setWindowIcon(AlarmIcon());
 
-    const auto name = [](QWidget* w, const QString& objectName, const QString& accessible) {
-        w->setObjectName(objectName);
-        w->setAccessibleName(accessible);
-    };
-    name(m_lblCaption, QStringLiteral("lblCaption"), QStringLiteral("lblCaption"));
-    name(m_lblMessage, QStringLiteral("lblMessage"), QStringLiteral("lblMessage"));
-    name(m_lblExpired, QStringLiteral("lblExpired"), QStringLiteral("lblExpired"));
-    name(m_lblLocation, QStringLiteral("lblLocation"), QStringLiteral("Safety Check Location / Notes"));
-    name(m_txtLocation, QStringLiteral("txtLocation"), QStringLiteral("Safety Check Location / Notes"));
-    name(m_cmdReset, QStringLiteral("cmdReset"), QStringLiteral("Reset"));
-    name(m_cmdStop, QStringLiteral("cmdStop"), QStringLiteral("Stop"));
-    name(m_image0, QStringLiteral("Image1_0"), QStringLiteral("Alarm picture"));
-    name(m_image1, QStringLiteral("Image1_1"), QStringLiteral("Alarm picture"));
+    // Labels and buttons are read out by what they show; the rest carry a name.
+    m_lblCaption->setObjectName(QStringLiteral("lblCaption"));
+    m_lblMessage->setObjectName(QStringLiteral("lblMessage"));
+    m_lblExpired->setObjectName(QStringLiteral("lblExpired"));
+    m_lblLocation->setObjectName(QStringLiteral("lblLocation"));
+    m_cmdReset->setObjectName(QStringLiteral("cmdReset"));
+    m_cmdStop->setObjectName(QStringLiteral("cmdStop"));
+    m_txtLocation->setObjectName(QStringLiteral("txtLocation"));
+    m_txtLocation->setAccessibleName(QStringLiteral("Safety Check Location / Notes"));
+    for (QLabel* picture : {m_image0, m_image1}) {
+        picture->setAccessibleName(QStringLiteral("Alarm picture"));
+        picture->setAccessibleDescription(QStringLiteral("A blinking bell: the alarm is ringing"));
+    }
+    m_image0->setObjectName(QStringLiteral("Image1_0"));
+    m_image1->setObjectName(QStringLiteral("Image1_1"));
     m_image0->setPixmap(BellPicture(false));
     m_image1->setPixmap(BellPicture(true));
     m_image1->setVisible(false);
@@ -109,9 +115,14 @@ frmAlarm::~frmAlarm() = default;
 
 void frmAlarm::LoadWindow()
 {
-    const AlarmRecord& a = m_desk.Table().At(m_expirePtr);
-    if (!m_checkIn)
-        m_lblExpired->setText(QString(QStringLiteral("Expired on\r") + a.Expire).replace(u'\r', u'\n'));
+    const AlarmRecord& a = m_desk.Table().At(ExpirePtr());
+    if (!m_checkIn) {
+        QString expired = QStringLiteral("Expired on\r") + a.Expire;
+        // An alarm whose minute passed while the program could not ring it says how late it is.
+        if (a.LateMinutes > 0)
+            expired += QStringLiteral("\r(") + LateText(a.LateMinutes) + u')';
+        m_lblExpired->setText(expired.replace(u'\r', u'\n'));
+    }
     m_txtLocation->setVisible(false);
     m_lblLocation->setVisible(false);
     m_lblCaption->setText(QStringLiteral("Expired Alarm"));
@@ -144,6 +155,23 @@ void frmAlarm::LoadWindow()
     SetTopMost(this, true);
 }
 
+AlarmRecord* frmAlarm::Record()
+{
+    const int n = ExpirePtr();
+    return n > 0 ? &m_desk.Table().At(n) : nullptr;
+}
+
+int frmAlarm::ExpirePtr() const
+{
+    return m_desk.Table().SlotOf(m_id);
+}
+
+QString frmAlarm::LateText(int minutes)
+{
+    return minutes == 1 ? QStringLiteral("1 minute late")
+                        : QString::number(minutes) + QStringLiteral(" minutes late");
+}
+
 void frmAlarm::Timer1_Timer()
 {
     if (m_checkIn)
@@ -151,12 +179,9 @@ void frmAlarm::Timer1_Timer()
     m_blinkPhase = !m_blinkPhase;
     m_image1->setVisible(m_blinkPhase);
     m_image0->setVisible(!m_blinkPhase);
-    try {
-        if (m_desk.Table().At(m_expirePtr).Safety != 1)
-            return;
-    } catch (const std::exception&) {
+    const AlarmRecord* a = Record();
+    if (!a || a->Safety != 1)
         return;
-    }
     QPalette palette = m_lblCaption->palette();
     if (m_blinkPhase) {
         palette.setColor(QPalette::WindowText, Qt::white);
@@ -180,89 +205,131 @@ void frmAlarm::PlaySound()
 {
     if (!m_windows.SoundOn())
         return;
-    try {
-        const AlarmRecord& a = m_desk.Table().At(m_expirePtr);
-        const QString file = a.AudioPath.isEmpty() ? m_windows.DefaultSoundFile() : a.AudioPath;
-        // A sound is played to its end: a long one is not started again every two seconds.
-        if (!m_mmcAlarm->IsPlaying())
-            m_mmcAlarm->Play(file);
-    } catch (const std::exception&) {
-        // A sound that cannot be played is not reported here; start-up warns of a missing file.
+    const AlarmRecord* a = Record();
+    const QString file = a && !a->AudioPath.isEmpty() ? a->AudioPath : m_windows.DefaultSoundFile();
+    // A sound is played to its end: a long one is not started again every two seconds.
+    if (!m_mmcAlarm->IsPlaying())
+        m_mmcAlarm->Play(file);
+}
+
+std::optional<QString> frmAlarm::ResetRefusal(const AlarmRecord& a)
+{
+    // A reset must arm a time that can come: a readable time, and for a timer at least a
+    // minute, or the alarm would wait a day in silence.
+    if (a.TypeTimer) {
+        const auto minutes = IntervalMinutes(a.Interval);
+        if (!minutes || *minutes == 0)
+            return QStringLiteral("The alarm was not reset: its interval \"") + a.Interval +
+                   QStringLiteral("\" cannot be used.\rType an interval from 00:01 to 23:59 in the alarm "
+                                  "panel, then reset it.");
+    } else if (!IntervalMinutes(a.Expire)) {
+        return QStringLiteral("The alarm was not reset: its time \"") + a.Expire +
+               QStringLiteral("\" cannot be read.\rType a time from 00:00 to 23:59 in the alarm panel, then "
+                              "reset it.");
     }
+    return std::nullopt;
 }
 
 void frmAlarm::cmdReset_Click()
 {
-    try {
-        m_tmrFlash.stop();
-        AlarmTable& table = m_desk.Table();
-        AlarmRecord& a = table.At(m_expirePtr);
-        a.AlarmSet = true;
-        a.Ringing = false;
-        if (a.TypeTimer)
-            m_desk.CalcExpire(a.Interval, m_expirePtr);
-        QString detail = AlarmLogText::ExpiresAt(a.Expire);
-        if (a.Safety == 1)
-            detail += QStringLiteral(", ") + m_txtLocation->text();
-        m_desk.Log().WriteLogEntry(QStringLiteral("SA"), a.Safety, QString::fromUtf16(AlarmLogText::Reset),
-                                   a.Message, detail);
-    } catch (const std::exception&) {
-        // The window still closes.
+    AlarmRecord* a = Record();
+    if (!a) {
+        Answered(); // the alarm is gone: nothing is left to reset
+        return;
     }
+    if (const auto refusal = ResetRefusal(*a)) {
+        MessageBox::Notice(this, *refusal);
+        return; // the window stays until the operator answers it
+    }
+    m_tmrFlash.stop();
+    a->AlarmSet = true;
+    a->Ringing = false;
+    if (a->TypeTimer)
+        m_desk.CalcExpire(a->Interval, ExpirePtr());
+    QString detail = AlarmLogText::ExpiresAt(a->Expire);
+    if (a->Safety == 1)
+        detail += QStringLiteral(", ") + m_txtLocation->text();
+    m_desk.Log().WriteLogEntry(QStringLiteral("SA"), a->Safety, QString::fromUtf16(AlarmLogText::Reset),
+                               a->Message, detail);
     Answered();
 }
 
 void frmAlarm::cmdStop_Click()
 {
-    try {
-        m_tmrFlash.stop();
-        AlarmTable& table = m_desk.Table();
-        table.At(m_expirePtr).Ringing = false;
-        if (table.At(m_expirePtr).Repeat == 1)
-            table.At(m_expirePtr).AlarmSet = false;
+    m_tmrFlash.stop();
+    if (AlarmRecord* a = Record()) {
+        // The entry names this window's own alarm, whatever moves into its slot after it.
+        const AlarmRecord stopped = *a;
+        a->Ringing = false;
+        if (a->Repeat == 1)
+            a->AlarmSet = false;
         else
-            m_desk.DeleteAlarm(m_expirePtr);
-        // Logged after the delete: a stopped alarm that was removed is logged with the
-        // record that moved into its slot.
-        const AlarmRecord& now = table.At(m_expirePtr);
-        m_desk.Log().WriteLogEntry(
-            QStringLiteral("SA"), now.Safety, QString::fromUtf16(AlarmLogText::Terminated), now.Message,
-            now.Safety == 1 ? QString(QStringLiteral(", ") + m_txtLocation->text()) : QString());
-    } catch (const std::exception&) {
-        // The window still closes.
+            m_desk.DeleteAlarm(ExpirePtr());
+        m_desk.Log().WriteLogEntry(QStringLiteral("SA"), stopped.Safety,
+                                   QString::fromUtf16(AlarmLogText::Terminated), stopped.Message,
+                                   stopped.Safety == 1 ? QString(QStringLiteral(", ") + m_txtLocation->text())
+                                                       : QString());
     }
     Answered();
 }
 
 void frmAlarm::Answered()
 {
+    m_answered = true;
     m_desk.RefreshAlarmList();
     m_windows.RelayoutAlarmWindows();
     m_windows.AlarmAnswered();
     close();
 }
 
+void frmAlarm::RestorePendingCheckIn()
+{
+    if (!m_checkIn || m_answered)
+        return;
+    if (AlarmRecord* a = Record()) {
+        a->AlarmSet = m_setBeforeCheckIn;
+        a->Expire = m_expireBeforeCheckIn;
+    }
+}
+
 void frmAlarm::closeEvent(QCloseEvent* event)
 {
-    // An expired alarm must be answered: the operator cannot dismiss it from its frame.
-    if (event->spontaneous() && !m_closed && !m_checkIn) {
-        event->ignore();
+    if (event->spontaneous() && !m_closed && !m_answered) {
+        // An expired alarm must be answered: the operator cannot dismiss it from its frame.
+        if (!m_checkIn) {
+            event->ignore();
+            return;
+        }
+        // A check-in closed from its frame is called off: the alarm goes on as it was, and
+        // nothing is recorded for a check-in that did not happen.
+        m_closed = true;
+        m_timer1.stop();
+        m_tmrFlash.stop();
+        RestorePendingCheckIn();
+        m_mmcAlarm->Stop();
+        m_windows.AlarmWindowClosed(this);
+        m_desk.RefreshAlarmList();
+        m_desk.SetSelectedAlarm();
+        QWidget::closeEvent(event);
         return;
     }
     if (!m_closed) {
         m_closed = true;
         m_timer1.stop();
         m_tmrFlash.stop();
-        try {
-            AlarmRecord& a = m_desk.Table().At(m_expirePtr);
-            if (a.Safety == 1)
-                a.LastPosition = m_desk.InternetNow() + u' ' + m_txtLocation->text();
-            m_desk.RefreshAlarmList();
-        } catch (const std::exception&) {
-            // Closing never fails.
+        // The window records the location typed in it; a window whose alarm was deleted
+        // has no record left to write to.
+        if (AlarmRecord* a = Record()) {
+            if (a->Safety == 1)
+                a->LastPosition = m_desk.InternetNow() + u' ' + m_txtLocation->text();
+            // Closed unanswered (the program stops): still set, but no window rings for it.
+            a->Ringing = false;
         }
         m_mmcAlarm->Stop();
         m_windows.AlarmWindowClosed(this);
+        m_desk.RefreshAlarmList();
+        // The editor shows the alarm's real state again: set or unset, no longer locked.
+        m_desk.SetSelectedAlarm();
     }
     QWidget::closeEvent(event);
 }

@@ -4,8 +4,10 @@
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 
 class AlarmSound;
+struct AlarmRecord;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -23,12 +25,14 @@ public:
     frmAlarm(AlarmDesk& desk, AlarmWindows& windows, int expirePtr, bool checkIn, QWidget* parent = nullptr);
     ~frmAlarm() override;
 
-    int ExpirePtr() const { return m_expirePtr; }
-    // The alarm moved to another slot (an earlier alarm was deleted).
-    void SetExpirePtr(int n) { m_expirePtr = n; }
+    // The slot of this window's own alarm, wherever it moved; 0 once it was deleted.
+    int ExpirePtr() const;
     bool CheckIn() const { return m_checkIn; }
-    QString Tag() const { return m_tag; }
-    void SetTag(const QString& tag) { m_tag = tag; }
+    // A check-in window not answered yet puts its alarm back as it was before the check-in
+    // (the program is stopping, and must store the alarm as still pending).
+    void RestorePendingCheckIn();
+    // "70 minutes late"
+    static QString LateText(int minutes);
 
     void Timer1_Timer();
     void tmrFlash_Timer();
@@ -44,14 +48,19 @@ protected:
 private:
     void LoadWindow();
     void Answered();
+    AlarmRecord* Record();
+    // Why Reset may not re-arm the alarm, when it may not.
+    static std::optional<QString> ResetRefusal(const AlarmRecord& a);
 
     AlarmDesk& m_desk;
     AlarmWindows& m_windows;
-    int m_expirePtr;
+    quint64 m_id;
+    bool m_setBeforeCheckIn;
+    QString m_expireBeforeCheckIn;
     bool m_checkIn;
+    bool m_answered = false;
     bool m_blinkPhase = false;
     bool m_closed = false;
-    QString m_tag;
     QLabel* m_lblCaption;
     QLabel* m_lblMessage;
     QLabel* m_lblExpired;

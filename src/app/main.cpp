@@ -39,8 +39,8 @@ int main(int argc, char* argv[])
     SystemClock clock;
     SettingsStore store;
     const QString logFolder =
-        ChooseLogFolder(QCoreApplication::applicationDirPath(),
-                        QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
+        RememberedLogFolder(QCoreApplication::applicationDirPath(),
+                            QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
     // Every operating-system service is made here, once, and handed in.
     PlatformServices platform = CreatePlatformServices();
     const MainServices services{clock,         store,

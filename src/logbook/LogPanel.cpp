@@ -80,7 +80,9 @@ LogPanel::LogPanel(LogViewer& viewer, LogBook& log, QWidget* parent)
     // The switches are the writer's: a change made here, by any means, is handed to it.
     connect(m_chkLog, &QCheckBox::toggled, this, &LogPanel::TakeSwitches);
     connect(m_optSafetyOnly, &QRadioButton::toggled, this, &LogPanel::TakeSwitches);
-    connect(m_chkLog, &QCheckBox::clicked, this, &LogPanel::EnableChoicesFromLogCheck);
+    // However the switch is changed (mouse, keyboard, a screen reader's action), the
+    // choices follow it.
+    connect(m_chkLog, &QCheckBox::toggled, this, &LogPanel::EnableChoicesFromLogCheck);
     connect(&m_log, &LogBook::SwitchesChanged, this, &LogPanel::ShowSwitches);
     connect(&m_viewer, &LogViewer::LogBookDateChanged, this,
             [this](QDate day) { SetDateCaption(m_viewer.FormatDateLong(day)); });
@@ -102,9 +104,8 @@ void LogPanel::ShowSwitches()
     const LogSwitches& switches = m_log.Switches();
     m_showingSwitches = true;
     m_chkLog->setChecked(switches.LogOn);
-    m_optSafetyOnly->setChecked(switches.SafetyOnly);
-    if (!m_optSafetyOnly->isChecked())
-        m_optAll->setChecked(true);
+    // One of the two options is always on: switching the other on is what turns it off.
+    (switches.SafetyOnly ? m_optSafetyOnly : m_optAll)->setChecked(true);
     m_showingSwitches = false;
 }
 

@@ -20,7 +20,6 @@ frmNote::frmNote(LogBook& log, SubjectSource subject, const QString& now, QWidge
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(QStringLiteral("Write a note to the Logbook (Max. 60 characters)"));
     m_lblAlarm->setObjectName(QStringLiteral("lblAlarm"));
-    m_lblAlarm->setAccessibleName(QStringLiteral("lblAlarm"));
     m_txtNote->setObjectName(QStringLiteral("txtNote"));
     m_txtNote->setAccessibleName(QStringLiteral("Note"));
     m_txtNote->setMaxLength(60);
@@ -28,10 +27,8 @@ frmNote::frmNote(LogBook& log, SubjectSource subject, const QString& now, QWidge
     m_edtTime->setObjectName(QStringLiteral("edtTime"));
     m_edtTime->setAccessibleName(QStringLiteral("Time for Note"));
     m_cmdOK->setObjectName(QStringLiteral("cmdOK"));
-    m_cmdOK->setAccessibleName(QStringLiteral("Record in Logbook"));
     m_cmdOK->setDefault(true);
     m_cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
-    m_cmdCancel->setAccessibleName(QStringLiteral("Cancel"));
     auto* label1 = new QLabel(QStringLiteral("Time for Note"));
     label1->setObjectName(QStringLiteral("Label1"));
 

@@ -26,13 +26,13 @@ ClockPanel::ClockPanel(QWidget* parent)
     for (int i = 0; i < ZoneCount; ++i) {
         auto* caption = new QLabel(ZoneTag(i), this);
         caption->setObjectName(QStringLiteral("lblClock_%1").arg(i));
-        caption->setAccessibleName(ZoneTag(i));
         caption->setAlignment(Qt::AlignCenter);
         m_captions[std::size_t(i)] = caption;
 
         auto* face = new QLabel(QStringLiteral("00:00"), this);
         face->setObjectName(QStringLiteral("lblClock1_%1").arg(i));
-        face->setAccessibleName(ZoneTag(i));
+        // Read out by the time it shows; the zone says which face it is.
+        face->setAccessibleDescription(ZoneTag(i) + QStringLiteral(" time"));
         face->setProperty("Tag", ZoneTag(i));
         face->setAlignment(Qt::AlignCenter);
         face->setAutoFillBackground(true);
@@ -72,7 +72,6 @@ ClockPanel::ClockPanel(QWidget* parent)
     m_notTop->setEnabled(false);
 
     m_sync->setObjectName(QStringLiteral("cmdSync"));
-    m_sync->setAccessibleName(QStringLiteral("Clock Sync"));
 
     auto* side = new QHBoxLayout;
     side->setSpacing(0);

@@ -22,6 +22,7 @@
 #include "widgets/KeyedStatusBar.h"
 #include "widgets/MessageBox.h"
 #include "widgets/TopMost.h"
+#include "widgets/WindowModal.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -137,7 +138,8 @@ void frmMain::ConnectOwners()
 
 void frmMain::Report(const QString& message)
 {
-    MessageBox::Notice(this, message);
+    // Shown without waiting: the minute's work (the next due alarm's window) goes on.
+    MessageBox::NoticeLater(this, message);
 }
 
 QFont frmMain::ClockFont() const
@@ -296,7 +298,7 @@ void frmMain::cmdTables_Click()
 {
     try {
         frmSSTables tables(m_preferences->Values(), this);
-        tables.exec();
+        ExecWindowModal(tables);
     } catch (const std::exception& error) {
         MessageBox::Notice(this, QStringLiteral("Unable to show the tables: ") +
                                      QString::fromLocal8Bit(error.what()));
@@ -352,7 +354,7 @@ void frmMain::stsBar_PanelClick(const QString& key)
             frmClockProps& props = ClockProps();
             props.FillOwnZoneList(m_preferences->Values().Zone);
             SetTopMost(&props, true);
-            props.exec();
+            ExecWindowModal(props);
             ShowStatus();
         } else if (key == u"Exit") {
             close();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDate>
+#include <QDateTime>
 #include <QFont>
 #include <QLocale>
 #include <QStringList>
@@ -103,6 +104,10 @@ private:
     void BuildLayout();
     void ConnectOwners();
     void ArmTick();
+    // The work of the minutes after the last one handled, up to `to`.
+    void HandleMinutes(const QDateTime& to);
+    QDateTime CorrectedMinute() const;
+    static bool QuarterHourPassed(const QDateTime& from, const QDateTime& to);
     bool QueryUnload();
     void OpenPanel(QWidget* panel);
     void ClosePanel(QWidget* panel);
@@ -134,7 +139,8 @@ private:
     bool m_synchronised = false;
     bool m_clockBeingSet = false;
     QDate m_lastDate;
-    int m_lastMinute = -1;
+    // The last minute of the corrected clock whose work was done.
+    QDateTime m_lastHandled;
 
     ClockPanel* m_picMain = nullptr;
     CalcPanel* m_picCalc = nullptr;

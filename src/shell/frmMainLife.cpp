@@ -143,6 +143,8 @@ bool frmMain::Load()
         SetTimes();
 
         step = 29;
+        // The minute of the start is handled by the first tick: an alarm due then rings.
+        m_lastHandled = CorrectedMinute().addSecs(-60);
         ArmTick();
         return true;
     } catch (const std::exception& e) {
@@ -164,6 +166,12 @@ void frmMain::ArmTick()
         m_tmrMain.start(MsecToNextHalfSecond(m_clock.Now().time()));
 }
 
+QDateTime frmMain::CorrectedMinute() const
+{
+    const QDateTime now = m_alarms->InternetDateTimeNow();
+    return QDateTime(now.date(), QTime(now.time().hour(), now.time().minute()));
+}
+
 void frmMain::tmrMain_Timer()
 {
     try {
@@ -172,18 +180,26 @@ void frmMain::tmrMain_Timer()
         if (m_picMain->Seconds()->text() != seconds)
             m_picMain->Seconds()->setText(seconds);
         // While the sync run sets the clock, the half-set clock is not acted on.
-        if (seconds.toInt() != 0 || m_clockBeingSet)
+        if (m_clockBeingSet)
+            return;
+        // A new minute is handled at the first tick that sees it, normally the one at second
+        // 0; a late tick, or a clock step across second 0, loses nothing.
+        const QDateTime minute = CorrectedMinute();
+        if (minute == m_lastHandled)
             return;
         SetTimes();
-        // The seconds come from the PC clock, the hour and minute from the corrected clock.
-        const QString now = InternetNow();
-        CheckAlarms(now.left(2).toInt(), now.mid(3, 2).toInt());
+        HandleMinutes(minute);
     } catch (const std::exception&) {
         // This tick's work ends; the next tick starts afresh.
     }
 }
 
 void frmMain::CheckAlarms(int hour, int minute)
+{
+    HandleMinutes(QDateTime(m_alarms->InternetDateTimeNow().date(), QTime(hour, minute)));
+}
+
+void frmMain::HandleMinutes(const QDateTime& to)
 {
     try {
         const auto handleDayChange = [this] {
@@ -193,24 +209,43 @@ void frmMain::CheckAlarms(int hour, int minute)
         };
         handleDayChange();
         // Second zero is seen by two ticks: each minute is handled once.
-        if (minute == m_lastMinute)
+        if (to == m_lastHandled)
             return;
-        m_lastMinute = minute;
+        // The minutes since the last one handled. A clock set back starts again from the
+        // present minute; a gap of more than a day counts as one day.
+        QDateTime from = m_lastHandled;
+        if (!from.isValid() || to < from)
+            from = to.addSecs(-60);
+        else if (from.secsTo(to) > 24 * 3600)
+            from = to.addDays(-1);
+        // Marked first: a later tick, while a message of this minute is open, handles the
+        // next minute and not this one again.
+        m_lastHandled = to;
 
-        // Every set alarm due this minute goes off, each with its own window.
-        m_alarms->ScanExpiries(hour, minute);
+        // Every set alarm due in these minutes goes off, each with its own window.
+        m_alarms->ScanSpan(from, to);
         if (m_stopped)
             return; // the program was ended while a message was open
 
         if (m_preferences->Values().AutoSync != 0)
             SyncCheck(1);
-        if (minute % 15 == 0)
+        if (QuarterHourPassed(from, to))
             m_alarms->SaveAlarms();
         handleDayChange();
         ShowTitle();
     } catch (const std::exception&) {
         // The minute's work ends quietly.
     }
+}
+
+bool frmMain::QuarterHourPassed(const QDateTime& from, const QDateTime& to)
+{
+    if (from.secsTo(to) >= 15 * 60)
+        return true;
+    for (QDateTime t = from.addSecs(60); t <= to; t = t.addSecs(60))
+        if (t.time().minute() % 15 == 0)
+            return true;
+    return false;
 }
 
 void frmMain::NewDay()
@@ -281,6 +316,9 @@ void frmMain::EndSession()
 {
     if (!m_loaded || m_stopped)
         return;
+    // The log shows this exit as it shows one the operator confirmed.
+    if (m_alarms->Table().SetCount() > 0)
+        m_log->WriteLogEntry(QStringLiteral("EX"), 0, QStringLiteral("Exit program"), QString(), QString());
     StopProgram();
     MessageBox::DismissOpen();
 }
@@ -298,6 +336,8 @@ void frmMain::StopProgram()
     values.LogOn = m_log->Switches().LogOn ? 1 : 0;
     values.LogSafetyOnly = m_log->Switches().SafetyOnly;
     WriteSettings(m_store, values);
+    // A check-in still open is stored as the pending alarm it was, not as called off.
+    m_alarmWindows->RestorePendingCheckIns();
     m_alarms->SaveAlarms();
     m_log->CloseTodaysLog();
 
@@ -312,8 +352,8 @@ void frmMain::StopProgram()
         if (window != this && window->isVisible())
             window->close();
     }
-    // Closing a safety alarm's window records the location typed in it: keep it.
-    m_alarms->SaveAlarms();
+    // Nothing is saved after this: a window closed here was not answered, and what it
+    // records (a location at the exit time) is no check-in.
 }
 
 void frmMain::changeEvent(QEvent* event)

@@ -21,10 +21,8 @@ frmMessage::frmMessage(QWidget* parent, Beeper beep)
     headingFont.setBold(true);
     heading->setFont(headingFont);
     m_lblMessage->setObjectName(QStringLiteral("lblMessage"));
-    m_lblMessage->setAccessibleName(QStringLiteral("lblMessage"));
     m_lblMessage->setWordWrap(true);
     m_cmdOk->setObjectName(QStringLiteral("cmdOk"));
-    m_cmdOk->setAccessibleName(QStringLiteral("OK"));
     m_cmdOk->setDefault(true);
 
     auto* layout = new QVBoxLayout(this);

@@ -18,13 +18,11 @@ frmSplash::frmSplash(QWidget* parent)
     setAttribute(Qt::WA_DeleteOnClose, false);
 
     m_lblProductName->setObjectName(QStringLiteral("lblProductName"));
-    m_lblProductName->setAccessibleName(QStringLiteral("lblProductName"));
     QFont nameFont = m_lblProductName->font();
     nameFont.setPointSize(26);
     nameFont.setBold(true);
     m_lblProductName->setFont(nameFont);
     m_lblRev->setObjectName(QStringLiteral("lblRev"));
-    m_lblRev->setAccessibleName(QStringLiteral("lblRev"));
     m_lblRev->setText(ReleaseText(TW_VERSION_MAJOR, TW_VERSION_MINOR, TW_VERSION_PATCH));
 
     auto* icon = new QLabel;

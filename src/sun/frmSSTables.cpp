@@ -7,6 +7,7 @@
 #include "sun/frmView.h"
 #include "widgets/MessageBox.h"
 #include "widgets/Named.h"
+#include "widgets/WindowModal.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -77,7 +78,7 @@ frmSSTables::frmSSTables(const Settings& settings, QWidget* parent)
       m_cboYear(Named(new QComboBox, QStringLiteral("cboYear"), QStringLiteral("Year"))),
       m_openView([](QWidget* owner, const SunTablePlace& place) {
           frmView view(place, owner);
-          view.exec();
+          ExecWindowModal(view);
       })
 {
     setObjectName(QStringLiteral("frmSSTables"));

@@ -1,6 +1,7 @@
 #include "widgets/FileDialog.h"
 
 #include "widgets/TestAnswers.h"
+#include "widgets/WindowModal.h"
 
 #include <QFileDialog>
 
@@ -17,7 +18,12 @@ QString FileDialog::GetOpenFileName(QWidget* parent, const QString& title, const
 {
     if (Test().On())
         return Test().Take().value_or(QString());
-    return QFileDialog::getOpenFileName(parent, title, start, filter);
+    QFileDialog dialog(parent, title, start, filter);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    if (ExecWindowModal(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return QString();
+    return dialog.selectedFiles().constFirst();
 }
 
 void FileDialog::SetTestMode(bool on)

@@ -15,7 +15,12 @@ void KeyedStatusBar::AddPanel(const QString& key, const QString& text, const QSt
 {
     auto* panel = new QLabel(text, this);
     panel->setObjectName(key);
-    panel->setAccessibleName(key);
+    // A panel with a caption is named by its key; one that shows changing text (the status)
+    // is read out by that text, and its key describes it.
+    if (!text.isEmpty())
+        panel->setAccessibleName(key);
+    else
+        panel->setAccessibleDescription(key);
     panel->setToolTip(toolTip);
     panel->setFrameShape(QFrame::StyledPanel);
     panel->setFrameShadow(QFrame::Sunken);

@@ -1,6 +1,7 @@
 #include "widgets/MessageBox.h"
 
 #include "widgets/TestAnswers.h"
+#include "widgets/WindowModal.h"
 
 #include <QMessageBox>
 #include <QPointer>
@@ -92,7 +93,7 @@ MessageBox::Answer MessageBox::Show(QWidget* parent, const Request& request)
     box.setDefaultButton(request.DefaultSecond && second ? second : first);
     box.setEscapeButton(second ? second : first);
     OpenBoxes().append(&box);
-    box.exec();
+    ExecWindowModal(box);
     OpenBoxes().removeAll(&box);
 
     const bool firstChosen = box.clickedButton() == first;
@@ -110,6 +111,25 @@ MessageBox::Answer MessageBox::Show(QWidget* parent, const Request& request)
 void MessageBox::Notice(QWidget* parent, const QString& text)
 {
     Show(parent, {text, Title(), Buttons::OkOnly, Icon::None, false});
+}
+
+void MessageBox::NoticeLater(QWidget* parent, const QString& text)
+{
+    const Request request{text, Title(), Buttons::OkOnly, Icon::None, false};
+    if (Test().On()) {
+        ShownInTest().append(request);
+        return;
+    }
+    const QString shown = QString(text).replace(u'\r', u'\n');
+    for (const auto& open : OpenBoxes())
+        if (open && open->text() == shown)
+            return;
+    auto* box = new QMessageBox(QMessageBox::NoIcon, Title(), shown, QMessageBox::Ok, parent);
+    box->setObjectName(QStringLiteral("MessageBox"));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setWindowModality(Qt::NonModal);
+    OpenBoxes().append(box);
+    box->show();
 }
 
 MessageBox::Answer MessageBox::AskYesNo(QWidget* parent, const QString& text, const QString& title)

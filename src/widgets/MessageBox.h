@@ -49,9 +49,15 @@ public:
 
     // An OK-only message with the program's title.
     static void Notice(QWidget* parent, const QString& text);
+    // The same message without waiting for it: it is shown and the caller goes on at once
+    // (the clock and the alarms must not wait for an error to be read). A message that is
+    // already on the screen is not shown a second time.
+    static void NoticeLater(QWidget* parent, const QString& text);
     // Yes/No, exclamation icon, No the default.
     static Answer AskYesNo(QWidget* parent, const QString& text, const QString& title);
 
+    // Questions and messages that wait block only their parent's window (and its parents),
+    // never the alarm windows.
     // Closes any message box that is open (the program is being ended).
     static void DismissOpen();
 

@@ -1,6 +1,7 @@
 #include "widgets/PrintDialog.h"
 
 #include "widgets/TestAnswers.h"
+#include "widgets/WindowModal.h"
 
 #include <QPrintDialog>
 #include <QPrinter>
@@ -24,7 +25,7 @@ bool PrintDialog::Ask(QWidget* parent, QString& printerName)
     dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
     dialog.setOption(QAbstractPrintDialog::PrintSelection, false);
     dialog.setOption(QAbstractPrintDialog::PrintCurrentPage, false);
-    if (dialog.exec() != QDialog::Accepted)
+    if (ExecWindowModal(dialog) != QDialog::Accepted)
         return false;
     printerName = printer.printerName();
     return true;

@@ -1,6 +1,7 @@
 #include "widgets/frmPrinterSetup.h"
 
 #include "widgets/TestAnswers.h"
+#include "widgets/WindowModal.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -110,7 +111,7 @@ bool frmPrinterSetup::Ask(QWidget* parent, QString& printer, const QString& pres
     frmPrinterSetup dialog(parent);
     if (!preselect.isEmpty())
         dialog.m_cmbPrinters->setCurrentIndex(dialog.m_cmbPrinters->findText(preselect));
-    dialog.exec();
+    ExecWindowModal(dialog);
     printer = dialog.ChosenPrinter();
     return !dialog.canceled;
 }

@@ -8,10 +8,13 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QDialog>
+#include <QFileDialog>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTimer>
 #include <QTreeWidget>
 
 namespace {
@@ -412,11 +415,22 @@ private slots:
     void checkInNeedsASafetyAlarm()
     {
         Panel p;
-        QTest::mouseClick(p.Button("cmdCheckIn"), Qt::LeftButton); // empty list: nothing
-        QVERIFY(p.desk.Windows().OpenAlarmWindows().isEmpty());
-        p.Add(QStringLiteral("Plain"), QStringLiteral("0900"));
+        // With no alarm the button is off, and asked directly it does nothing.
+        QVERIFY(!p.Button("cmdCheckIn")->isEnabled());
         p.panel->cmdCheckIn_Click();
         QVERIFY(p.desk.Windows().OpenAlarmWindows().isEmpty());
+        p.Add(QStringLiteral("Plain"), QStringLiteral("0900"));
+        QVERIFY(!p.Button("cmdCheckIn")->isEnabled());
+        p.panel->cmdCheckIn_Click();
+        QVERIFY(p.desk.Windows().OpenAlarmWindows().isEmpty());
+        // A safety alarm that is deleted leaves the button off again.
+        QTest::mouseClick(p.Button("cmdDelete"), Qt::LeftButton);
+        QTest::mouseClick(p.Button("cmdNew"), Qt::LeftButton);
+        p.Find<QCheckBox>("chkSafety")->click();
+        QVERIFY(p.Button("cmdCheckIn")->isEnabled());
+        QTest::mouseClick(p.Button("cmdDelete"), Qt::LeftButton);
+        QCOMPARE(p.desk.Alarms().AlarmCount, 0);
+        QVERIFY(!p.Button("cmdCheckIn")->isEnabled());
     }
 
     void doubleClickOnASafetyAlarmChecksIn()
@@ -440,6 +454,109 @@ private slots:
         p.Add(QStringLiteral("One"), QStringLiteral("0900"));
         QTest::mouseClick(p.Button("cmdNote"), Qt::LeftButton);
         QVERIFY(p.desk.host.findChild<QWidget*>(QStringLiteral("frmNote")));
+    }
+
+    void alarmWithAnOpenCheckInWindowCannotBeDeleted()
+    {
+        Panel p;
+        for (const char* crew : {"Crew A", "Crew B"}) {
+            QTest::mouseClick(p.Button("cmdNew"), Qt::LeftButton);
+            p.Find<QLineEdit>("txtMessage")->setText(QString::fromLatin1(crew));
+            p.Find<QCheckBox>("chkSafety")->click();
+            QTest::mouseClick(p.Button("cmdSet"), Qt::LeftButton);
+        }
+        p.desk.Alarms().SelectedAlarm = 1;
+        p.desk.alarms.SetSelectedAlarm();
+        QTest::mouseClick(p.Button("cmdCheckIn"), Qt::LeftButton);
+        frmAlarm* checkIn = p.desk.Windows().AlarmWindow(1);
+        QVERIFY(checkIn && checkIn->CheckIn());
+        QVERIFY(!p.Button("cmdDelete")->isEnabled());
+        QCOMPARE(p.Button("cmdDelete")->toolTip(),
+                 QStringLiteral("This Alarm's window is open, answer it first"));
+        p.panel->cmdDelete_Click(); // even asked directly, it refuses
+        QCOMPARE(p.desk.Alarms().AlarmCount, 2);
+        // The window still reports for its own crew.
+        checkIn->findChild<QLineEdit*>(QStringLiteral("txtLocation"))->setText(QStringLiteral("Ridge"));
+        checkIn->cmdReset_Click();
+        QCOMPARE(p.Alarm(1).Message, QStringLiteral("Crew A"));
+        QVERIFY(p.Alarm(1).LastPosition.endsWith(QStringLiteral(" Ridge")));
+        QVERIFY(p.Alarm(2).LastPosition.isEmpty());
+        QVERIFY(p.desk.TodaysLog().endsWith(Owners::Line("10:00", "SA", 1, "Alarm acknowleged, reset for ",
+                                                         "Crew A", ", expires at 10:20, Ridge")));
+    }
+
+    void timerOfNoTimeIsRefused()
+    {
+        Panel p;
+        p.Add(QStringLiteral("Nothing"), QStringLiteral("0000"), true);
+        QVERIFY(!p.Alarm(1).AlarmSet);
+        QCOMPARE(MessageBox::Shown().size(), 1);
+        QCOMPARE(MessageBox::Shown()[0].Text,
+                 QStringLiteral("The alarm was not set: a timer of 00:00 would not ring until tomorrow.\r"
+                                "Type an interval from 00:01 to 23:59."));
+        QCOMPARE(p.desk.TodaysLog().count("\r\n"), 1); // only "ST"
+    }
+
+    void clockTimeOfThePresentMinuteIsRefused()
+    {
+        Panel p;
+        p.desk.clock.Set(Owners::Monday, QTime(10, 15, 30));
+        p.Add(QStringLiteral("Now"), QStringLiteral("1015"));
+        QVERIFY(!p.Alarm(1).AlarmSet);
+        QCOMPARE(MessageBox::Shown().size(), 1);
+        QCOMPARE(MessageBox::Shown()[0].Text,
+                 QStringLiteral("The alarm was not set: 10:15 is the present minute, so it would not ring "
+                                "until tomorrow.\rType a later time."));
+        // The next minute is fine.
+        p.TypeTime(QStringLiteral("1016"));
+        QTest::mouseClick(p.Button("cmdSet"), Qt::LeftButton);
+        QVERIFY(p.Alarm(1).AlarmSet);
+    }
+
+    void enterOnASetAlarmDoesNotCancelIt()
+    {
+        Panel p;
+        p.Add(QStringLiteral("By enter"), QStringLiteral("0815"), false, false);
+        QTest::keyClick(p.Expire(), Qt::Key_Return);
+        QVERIFY(p.Alarm(1).AlarmSet);
+        const QByteArray logAfterSet = p.desk.TodaysLog();
+        QTest::keyClick(p.Expire(), Qt::Key_Return);
+        QVERIFY(p.Alarm(1).AlarmSet);
+        QCOMPARE(p.Button("cmdSet")->text(), QStringLiteral(" Cancel Alarm"));
+        QCOMPARE(p.desk.TodaysLog(), logAfterSet);
+    }
+
+    void soundChosenWhileAnotherAlarmExpiresGoesToTheAlarmItWasChosenFor()
+    {
+        Panel p;
+        p.Add(QStringLiteral("Rings"), QStringLiteral("1001"));
+        p.Add(QStringLiteral("Edited"), QStringLiteral("1100"));
+        QCOMPARE(p.desk.Alarms().SelectedAlarm, 2);
+        FileDialog::SetTestMode(false);
+        const QString bell = QDir(p.desk.env.WorkFolder()).filePath(QStringLiteral("bell.wav"));
+        TestEnvironment::WriteFile(bell, "RIFF");
+        bool answered = false;
+        // While the file dialog is open, alarm 1 goes off; then the operator picks the file.
+        QTimer::singleShot(0, &p.desk.host, [&] {
+            p.desk.alarms.ScanExpiries(10, 1);
+            auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            if (dialog) {
+                dialog->selectFile(bell);
+                static_cast<QDialog*>(dialog)->accept();
+                answered = true;
+            } else {
+                for (QWidget* top : QApplication::topLevelWidgets())
+                    if (auto* other = qobject_cast<QDialog*>(top); other && other->isVisible())
+                        other->reject();
+            }
+        });
+        QTest::mousePress(p.Find<QRadioButton>("optNamed"), Qt::LeftButton);
+        QVERIFY(answered);
+        QVERIFY(p.Alarm(1).Ringing);
+        QCOMPARE(p.Alarm(1).AudioPath, QString());
+        QCOMPARE(p.Alarm(2).AudioPath, bell);
+        QCOMPARE(p.desk.Alarms().SelectedAlarm, 2);
+        QCOMPARE(p.Find<QLineEdit>("txtMessage")->text(), QStringLiteral("Edited"));
     }
 
     void restoredAlarmIsShownInTheEditor()

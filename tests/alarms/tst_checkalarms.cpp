@@ -2,6 +2,8 @@
 #include "alarms/frmAlarm.h"
 #include "widgets/MessageBox.h"
 
+#include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 
 namespace {
@@ -86,13 +88,16 @@ private slots:
                  Desk::Line("00:00", "EA", 0, "Alarm Expired for ", "Midnight", "", "11/17/2026"));
     }
 
-    void missedMinuteRingsOnlyTheNextDay()
+    void missedMinuteRingsLateAtOnceAndNotAgain()
     {
         Loaded l(Ini("Count=1\nMessage%201=Late\nExpire%201=10:15\nAlarmSet%201=True\n"));
         l.desk.window->CheckAlarms(10, 16);
-        QVERIFY(l.OpenWindowAlarms().isEmpty());
-        l.desk.clock.Set(Desk::Monday.addDays(1), QTime(10, 15));
-        l.desk.window->CheckAlarms(10, 15);
+        QCOMPARE(l.OpenWindowAlarms(), QList<int>{1});
+        QCOMPARE(l.LogAfterStart(),
+                 Desk::Line("10:14", "EA", 0, "Alarm Expired for ", "Late", ", rang 1 minute late"));
+        QCOMPARE(l.desk.Windows().AlarmWindow(1)->findChild<QLabel*>(QStringLiteral("lblExpired"))->text(),
+                 QStringLiteral("Expired on\n10:15\n(1 minute late)"));
+        l.desk.window->CheckAlarms(10, 17);
         QCOMPARE(l.OpenWindowAlarms(), QList<int>{1});
     }
 
@@ -115,13 +120,18 @@ private slots:
         QCOMPARE(l.OpenWindowAlarms(), QList<int>{1});
     }
 
-    void expirySelectsTheRingingAlarmAndLocksItsButtons()
+    void expiryLeavesTheEditorOnItsAlarmAndLocksTheRingingOne()
     {
         Loaded l(Ini("Count=2\nMessage%201=Other\nExpire%201=11:00\nAlarmSet%201=True\n"
                      "Message%202=Convoy\nExpire%202=10:15\nAlarmSet%202=True\n"));
         QCOMPARE(l.desk.Alarms().SelectedAlarm, 1);
         l.desk.window->CheckAlarms(10, 15);
-        QCOMPARE(l.desk.Alarms().SelectedAlarm, 2);
+        // The operator goes on editing alarm 1: the expiry of alarm 2 does not take the editor.
+        QCOMPARE(l.desk.Alarms().SelectedAlarm, 1);
+        QCOMPARE(l.desk.Find<QLineEdit>(QStringLiteral("txtMessage"))->text(), QStringLiteral("Other"));
+        QVERIFY(l.desk.Find<QPushButton>(QStringLiteral("cmdSet"))->isEnabled());
+        l.desk.Alarms().SelectedAlarm = 2;
+        l.desk.window->Alarms().SetSelectedAlarm();
         QVERIFY(!l.desk.Find<QPushButton>(QStringLiteral("cmdSet"))->isEnabled());
         QVERIFY(!l.desk.Find<QPushButton>(QStringLiteral("cmdDelete"))->isEnabled());
     }
@@ -144,17 +154,16 @@ private slots:
         QVERIFY(second);
         l.desk.Windows().AlarmWindow(1)->cmdStop_Click(); // deletes "First"; the others move up
         QCOMPARE(second->ExpirePtr(), 1);
-        QCOMPARE(second->Tag(), QStringLiteral("Alarm1"));
         QVERIFY(l.desk.Alarms().At(1).Ringing);
         QVERIFY(!l.desk.Alarms().At(2).Ringing);
         second->cmdStop_Click();
         QCOMPARE(l.desk.Alarms().AlarmCount, 1);
         QCOMPARE(l.desk.Alarms().At(1).Message, QStringLiteral("Third"));
         QVERIFY(l.desk.Alarms().At(1).AlarmSet);
-        // Each stop logs the record that moved into the stopped slot.
+        // Each stop logs the alarm it stopped, not the one that moved into its slot.
         const QByteArray expected =
-            Desk::Line("10:14", "SA", 0, "Alarm acknowledged, terminated for  ", "Second", "") +
-            Desk::Line("10:14", "SA", 0, "Alarm acknowledged, terminated for  ", "Third", "");
+            Desk::Line("10:14", "SA", 0, "Alarm acknowledged, terminated for  ", "First", "") +
+            Desk::Line("10:14", "SA", 0, "Alarm acknowledged, terminated for  ", "Second", "");
         QVERIFY(l.LogAfterStart().endsWith(expected));
     }
 };

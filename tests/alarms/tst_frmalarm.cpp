@@ -7,7 +7,9 @@
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
+#include <QtGui/qpa/qwindowsysteminterface.h>
 
 namespace {
 
@@ -28,6 +30,15 @@ const QByteArray ThreePlain = Ini("Count=3\nMessage%201=First\nExpire%201=10:07\
                                   "Message%203=Third\nExpire%203=11:00\nAlarmSet%203=True\n");
 
 // The alarms of `ini` after start-up, with the alarm panel shown, scanned at `at`.
+// Closes a window as the window manager does when its frame's close button is pressed.
+void CloseFromFrame(QWidget* window)
+{
+    QVERIFY(window && window->windowHandle());
+    QWindowSystemInterface::handleCloseEvent<QWindowSystemInterface::SynchronousDelivery>(
+        window->windowHandle());
+    QCoreApplication::processEvents();
+}
+
 struct Ringing
 {
     explicit Ringing(const QByteArray& ini, QTime at = QTime(10, 7, 0)) : desk(ini)
@@ -66,7 +77,6 @@ private slots:
         QVERIFY(IsTopMost(w));
         QCOMPARE(w->ExpirePtr(), 1);
         QCOMPARE(w->CheckIn(), false);
-        QCOMPARE(w->Tag(), QStringLiteral("Alarm1"));
         QCOMPARE(r.Text(1, "lblCaption"), QStringLiteral("Expired Alarm"));
         QCOMPARE(r.Text(1, "lblMessage"), QStringLiteral("First"));
         QCOMPARE(r.Text(1, "lblExpired"), QStringLiteral("Expired on\n10:07"));
@@ -197,7 +207,7 @@ private slots:
         QVERIFY(r.desk.Alarms().At(1).Ringing);
     }
 
-    void stoppedAlarmIsDeletedAndTheLogNamesTheOneThatTookItsPlace()
+    void stoppedAlarmIsDeletedAndTheLogNamesItAndNotTheOneThatTookItsPlace()
     {
         Ringing r(ThreePlain);
         r.Window(1)->cmdStop_Click();
@@ -205,16 +215,16 @@ private slots:
         QCOMPARE(r.desk.Alarms().At(1).Message, QStringLiteral("Second"));
         QCOMPARE(r.desk.host.findChild<AlarmListView*>()->RowCount(), 2);
         QVERIFY(r.desk.TodaysLog().endsWith(
-            Owners::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "Second", "")));
+            Owners::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "First", "")));
     }
 
-    void stoppingTheLastAlarmLogsAnEmptyRecord()
+    void stoppingTheLastAlarmLogsItsOwnRecord()
     {
         Ringing r(Ini("Count=1\nMessage%201=Only\nExpire%201=10:07\nAlarmSet%201=True\n"));
         r.Window(1)->cmdStop_Click();
         QCOMPARE(r.desk.Alarms().AlarmCount, 0);
         QVERIFY(r.desk.TodaysLog().endsWith(
-            Owners::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "", "")));
+            Owners::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "Only", "")));
     }
 
     void terminatedRetainedAlarmStaysUnset()
@@ -238,17 +248,132 @@ private slots:
             Owners::Line("10:07", "SA", 1, "Alarm acknowledged, terminated for  ", "Crew 7", ", Base")));
     }
 
-    void closingTheWindowOtherwiseKeepsTheAlarmRinging()
+    void closingAnExpiredWindowFromItsFrameKeepsItOpenAndRinging()
+    {
+        Ringing r(SafetyTimer);
+        QPointer<frmAlarm> w = r.Window(1);
+        const int stopsBefore = r.desk.stops;
+        CloseFromFrame(w);
+        QVERIFY(w);
+        QVERIFY(w->isVisible());
+        const AlarmRecord& a = r.desk.Alarms().At(1);
+        QVERIFY(a.AlarmSet);
+        QVERIFY(a.Ringing);
+        QCOMPARE(r.desk.stops, stopsBefore);
+        QVERIFY(w->FlashTimer().isActive());
+    }
+
+    void windowClosedByTheProgramLeavesTheAlarmSetAndRecordsTheLocation()
     {
         Ringing r(SafetyTimer);
         r.In<QLineEdit>(1, "txtLocation")->setText(QStringLiteral("Somewhere"));
         const int stopsBefore = r.desk.stops;
-        r.Window(1)->close();
+        r.Window(1)->close(); // as the program closes every window when it ends
         const AlarmRecord& a = r.desk.Alarms().At(1);
         QVERIFY(a.AlarmSet);
-        QVERIFY(a.Ringing);
         QCOMPARE(a.LastPosition, QStringLiteral("10:07 Somewhere"));
         QVERIFY(r.desk.stops > stopsBefore);
+    }
+
+    void checkInWindowClosedFromItsFrameLeavesTheAlarmSetAndLogsNothing()
+    {
+        Owners desk(SafetyTimer);
+        desk.Place(new AlarmPanel(desk.alarms, desk.windows, desk.prefs));
+        QVERIFY(desk.Start());
+        desk.host.show();
+        const QByteArray logBefore = desk.TodaysLog();
+        desk.Windows().StartCheckIn(1);
+        QPointer<frmAlarm> w = desk.Windows().AlarmWindow(1);
+        QVERIFY(w);
+        QVERIFY(!desk.Alarms().At(1).AlarmSet); // withdrawn while the crew reports
+        w->findChild<QLineEdit*>(QStringLiteral("txtLocation"))->setText(QStringLiteral("never sent"));
+        CloseFromFrame(w);
+        QTRY_VERIFY(!w);
+        QVERIFY(desk.Alarms().At(1).AlarmSet);
+        QCOMPARE(desk.Alarms().At(1).Expire, QStringLiteral("10:07"));
+        QCOMPARE(desk.Alarms().At(1).LastPosition, QString());
+        QCOMPARE(desk.TodaysLog(), logBefore);
+        // The editor shows it set again, and its check-in can be started anew.
+        QCOMPARE(desk.Find<QPushButton>(QStringLiteral("cmdSet"))->text(), QStringLiteral(" Cancel Alarm"));
+        QVERIFY(desk.Find<QPushButton>(QStringLiteral("cmdCheckIn"))->isEnabled());
+    }
+
+    void stoppingAnAlarmNeverWritesIntoTheRecordThatMovedIntoItsSlot()
+    {
+        Ringing r(Ini("Count=2\nMessage%201=Plain\nExpire%201=10:07\nAlarmSet%201=True\n"
+                      "Message%202=Crew 9\nTypeTimer%202=True\nInterval%202=00:30\nExpire%202=10:30\n"
+                      "AlarmSet%202=True\nRepeat%202=1\nSafety%202=1\nLastPosition%202=09:00 Base\n"));
+        r.Window(1)->cmdStop_Click();
+        QCOMPARE(r.desk.Alarms().AlarmCount, 1);
+        const AlarmRecord& crew = r.desk.Alarms().At(1);
+        QCOMPARE(crew.Message, QStringLiteral("Crew 9"));
+        QCOMPARE(crew.LastPosition, QStringLiteral("09:00 Base"));
+        QVERIFY(crew.AlarmSet);
+        QVERIFY(r.desk.TodaysLog().endsWith(
+            Owners::Line("10:07", "SA", 0, "Alarm acknowledged, terminated for  ", "Plain", "")));
+    }
+
+    void resetRefusesAnIntervalThatCouldNeverRing_data()
+    {
+        QTest::addColumn<QString>("interval");
+        QTest::newRow("half typed") << QStringLiteral("1_:__");
+        QTest::newRow("no time at all") << QStringLiteral("00:00");
+    }
+
+    void resetRefusesAnIntervalThatCouldNeverRing()
+    {
+        QFETCH(QString, interval);
+        Ringing r(RetainedTimer);
+        const QByteArray logBefore = r.desk.TodaysLog();
+        // The operator typed into the interval while the alarm rang.
+        r.desk.Alarms().At(1).Interval = interval;
+        QPointer<frmAlarm> w = r.Window(1);
+        w->cmdReset_Click();
+        QVERIFY(w);
+        QVERIFY(w->isVisible());
+        QVERIFY(r.desk.Alarms().At(1).Ringing);
+        QCOMPARE(r.desk.TodaysLog(), logBefore);
+        QCOMPARE(MessageBox::Shown().size(), 1);
+        QVERIFY2(MessageBox::Shown()[0].Text.startsWith(
+                     QStringLiteral("The alarm was not reset: its interval \"") + interval + u'"'),
+                 qPrintable(MessageBox::Shown()[0].Text));
+    }
+
+    void afterResetTheEditorShowsTheAlarmSetAndUnlocked()
+    {
+        Ringing r(RetainedTimer);
+        QVERIFY(!r.desk.Find<QPushButton>(QStringLiteral("cmdSet"))->isEnabled());
+        r.Window(1)->cmdReset_Click();
+        auto* set = r.desk.Find<QPushButton>(QStringLiteral("cmdSet"));
+        QVERIFY(set->isEnabled());
+        QCOMPARE(set->text(), QStringLiteral(" Cancel Alarm"));
+        QVERIFY(r.desk.Find<QPushButton>(QStringLiteral("cmdDelete"))->isEnabled());
+        QCOMPARE(set->toolTip(), QStringLiteral("Set/Cancel alarm"));
+    }
+
+    void afterTerminateTheEditorShowsTheAlarmUnsetAndUnlocked()
+    {
+        Ringing r(RetainedTimer);
+        r.Window(1)->cmdStop_Click();
+        auto* set = r.desk.Find<QPushButton>(QStringLiteral("cmdSet"));
+        QVERIFY(set->isEnabled());
+        QCOMPARE(set->text(), QStringLiteral(" Set Alarm"));
+        QVERIFY(r.desk.Find<QPushButton>(QStringLiteral("cmdDelete"))->isEnabled());
+    }
+
+    void afterACheckInResetTheEditorOffersCancelNotSet()
+    {
+        Owners desk(SafetyTimer);
+        desk.Place(new AlarmPanel(desk.alarms, desk.windows, desk.prefs));
+        QVERIFY(desk.Start());
+        desk.host.show();
+        desk.Windows().StartCheckIn(1);
+        desk.Windows().AlarmWindow(1)->cmdReset_Click();
+        QVERIFY(desk.Alarms().At(1).AlarmSet);
+        auto* set = desk.Find<QPushButton>(QStringLiteral("cmdSet"));
+        QCOMPARE(set->text(), QStringLiteral(" Cancel Alarm"));
+        QVERIFY(set->isEnabled());
+        QVERIFY(desk.Find<QPushButton>(QStringLiteral("cmdCheckIn"))->isEnabled());
     }
 
     void checkInWindowIsSilentAndStill()

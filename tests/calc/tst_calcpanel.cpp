@@ -3,6 +3,7 @@
 #include "clock/ZoneClock.h"
 #include "widgets/TimeBox.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
 #include <QLabel>
@@ -76,7 +77,7 @@ private slots:
         for (const char* name : {"optETD", "optETA", "optElapsed"}) {
             auto* option = calc.Find<QRadioButton>(QString::fromLatin1(name));
             QVERIFY(option);
-            QCOMPARE(option->accessibleName(), option->text());
+            QCOMPARE(QAccessible::queryAccessibleInterface(option)->text(QAccessible::Name), option->text());
         }
         for (const char* name : {"edtETD", "edtElapsed", "edtETA", "edtETDUTC", "edtETAUTC"})
             QVERIFY(calc.Box(QString::fromLatin1(name)));
@@ -84,7 +85,8 @@ private slots:
         auto* tables = calc.Find<QPushButton>(QStringLiteral("cmdTables"));
         QCOMPARE(tables, calc.panel.TablesButton());
         QCOMPARE(tables->text(), QStringLiteral("Tables"));
-        QCOMPARE(tables->accessibleName(), QStringLiteral("Tables"));
+        QCOMPARE(QAccessible::queryAccessibleInterface(tables)->text(QAccessible::Name),
+                 QStringLiteral("Tables"));
         auto* close = calc.Find<QPushButton>(QStringLiteral("cmdCloseCalc"));
         QCOMPARE(close, calc.panel.CloseButton());
         QCOMPARE(close->text(), QStringLiteral("Close"));

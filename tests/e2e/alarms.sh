@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Starts the real program a few seconds before 10:15 with two set alarms due at 10:15 (a
 # clock-time alarm and a safety timer) and one due later, logging on with all events; checks
-# that two alarm windows appear and that the log holds their "EA" lines in alarm order.
+# that two alarm windows appear, that the log holds their "EA" lines in alarm order, and that
+# the exit by a signal while alarms are set is logged.
 # Usage: alarms.sh PATH/TO/tarrowind PATH/TO/DefaultAlarm.Wav
 set -euo pipefail
 source "$(dirname "$0")/lib.sh"
@@ -40,9 +41,10 @@ log="$work/program/Logs/20261116.log"
 expected=$(printf '%s\r\n' \
     '"11/16/2026","10:14","ST",0,"Start program","",""' \
     '"11/16/2026","10:15","EA",0,"Alarm Expired for ","Convoy 12 departs",""' \
-    '"11/16/2026","10:15","EA",1,"Alarm Expired for ","Crew 7 safety check",""'; printf _)
+    '"11/16/2026","10:15","EA",1,"Alarm Expired for ","Crew 7 safety check",""' \
+    '"11/16/2026","10:15","EX",0,"Exit program","",""'; printf _)
 actual=$(cat "$log" 2>/dev/null; printf _)
-check "the log holds the start and the two EA lines in alarm order" '[ "$actual" = "$expected" ]'
+check "the log holds the start, the two EA lines in alarm order and the exit" '[ "$actual" = "$expected" ]'
 [ "$actual" = "$expected" ] || { echo "log was:"; cat -A "$log" 2>/dev/null || echo "(no log file)"; }
 ini="$work/config/Tarrowind 2.ini"
 check "the alarms are still set after the program ended" \

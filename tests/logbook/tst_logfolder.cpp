@@ -25,6 +25,21 @@ private slots:
                  QDir(env.DataFolder()).filePath(QStringLiteral("Logs")));
     }
 
+    void folderIsChosenOnceAndRemembered()
+    {
+        TestEnvironment env;
+        const QString first = RememberedLogFolder(env.ProgramFolder(), env.DataFolder());
+        QCOMPARE(first, QDir(env.ProgramFolder()).filePath(QStringLiteral("Logs")));
+        QCOMPARE(TestEnvironment::ReadFile(QDir(env.DataFolder()).filePath(QStringLiteral("LogFolder"))),
+                 first.toUtf8() + '\n');
+        // The program's folder can no longer be written (here: it is gone): the logs stay
+        // where they have been kept, not split into the user's data folder.
+        const QString unwritable = QDir(env.Root()).filePath(QStringLiteral("no such folder"));
+        QCOMPARE(ChooseLogFolder(unwritable, env.DataFolder()),
+                 QDir(env.DataFolder()).filePath(QStringLiteral("Logs")));
+        QCOMPARE(RememberedLogFolder(unwritable, env.DataFolder()), first);
+    }
+
     void folderNameHasOneLetterCase()
     {
         TestEnvironment env;

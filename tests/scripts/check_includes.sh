@@ -49,4 +49,29 @@ fresh
 echo '#include "alarms/AlarmDesk.h"' >>"$work/src/settings/Preferences.cpp"
 expect_finding "a circle of folders" "include circle: .*settings"
 
-echo "the clean tree and 5 wrong includes: 6 passed, 0 failed"
+# Other spellings of the same includes are caught too.
+fresh
+echo '#include "../shell/frmMain.h"' >>"$work/src/alarms/AlarmPanel.cpp"
+expect_finding "the shell through ../" "alarms/AlarmPanel.cpp: includes ../shell/frmMain.h"
+
+fresh
+echo '#include <shell/frmMain.h>' >>"$work/src/alarms/AlarmPanel.cpp"
+expect_finding "the shell in angle brackets" "alarms/AlarmPanel.cpp: includes shell/frmMain.h"
+
+fresh
+echo '#include "alarms/../shell/frmMain.h"' >>"$work/src/alarms/AlarmPanel.cpp"
+expect_finding "the shell through a detour" "alarms/AlarmPanel.cpp: includes alarms/../shell/frmMain.h"
+
+fresh
+echo '#include "LogPanel.h"' >>"$work/src/logbook/LogViewer.cpp"
+expect_finding "a window header beside a logic file" "logbook/LogViewer.cpp: a logic file includes LogPanel.h"
+
+fresh
+echo '#include <alarms/AlarmDesk.h>' >>"$work/src/settings/Preferences.cpp"
+expect_finding "a circle in angle brackets" "include circle: .*settings"
+
+fresh
+echo '#include <QPrinter>' >>"$work/src/logbook/LogViewer.cpp"
+expect_finding "a logic file including a printing header" "logbook/LogViewer.cpp: a logic file includes <QPrinter>"
+
+echo "the clean tree and 11 wrong includes: 12 passed, 0 failed"

@@ -1,4 +1,5 @@
 #include "Desk.h"
+#include "alarms/frmAlarm.h"
 #include "widgets/MessageBox.h"
 #include "widgets/TopMost.h"
 
@@ -200,16 +201,22 @@ private slots:
         QCOMPARE(desk.Stored(QStringLiteral("LogSafetyOnly")), QStringLiteral("False"));
     }
 
-    void tickWritesThePcSecondsAndRedrawsOnlyAtSecondZero()
+    void tickWritesThePcSecondsAndRedrawsTheFacesWhenTheMinuteChanges()
     {
         Desk desk;
         QVERIFY(desk.window->Load());
-        desk.Tick(QTime(10, 5, 42, 500));
+        desk.Tick(QTime(10, 0, 42, 500));
         QCOMPARE(desk.Find<QLineEdit>(QStringLiteral("txtSeconds"))->text(), QStringLiteral("42"));
         QCOMPARE(desk.FaceText(1), QStringLiteral("10:00"));
-        desk.Tick(QTime(10, 6, 0, 0));
+        desk.Find<QLabel>(QStringLiteral("lblClock1_1"))->setText(QStringLiteral("mark"));
+        desk.Tick(QTime(10, 0, 59, 500)); // the same minute: the faces are left alone
+        QCOMPARE(desk.FaceText(1), QStringLiteral("mark"));
+        desk.Tick(QTime(10, 1, 0, 0));
         QCOMPARE(desk.Find<QLineEdit>(QStringLiteral("txtSeconds"))->text(), QStringLiteral("00"));
-        QCOMPARE(desk.FaceText(1), QStringLiteral("10:06"));
+        QCOMPARE(desk.FaceText(1), QStringLiteral("10:01"));
+        // A tick that comes late still shows the new minute at once.
+        desk.Tick(QTime(10, 5, 42, 500));
+        QCOMPARE(desk.FaceText(1), QStringLiteral("10:05"));
     }
 
     void secondsBoxIgnoresTyping()
@@ -448,6 +455,59 @@ private slots:
         QVERIFY(!desk.window->Log().IsTodaysLogOpen());
         QVERIFY(desk.window->close()); // closing afterwards asks nothing
         QVERIFY(MessageBox::Shown().isEmpty());
+    }
+
+    void exitStoresNoFalseSafetyRecord()
+    {
+        Desk desk(
+            "[General]\nLogOn=1\nLogSafetyOnly=False\n[Alarms]\nCount=1\nMessage%201=Crew 7\n"
+            "TypeTimer%201=True\nInterval%201=00:15\nExpire%201=10:15\nAlarmSet%201=True\nRepeat%201=1\n"
+            "Safety%201=1\nLastPosition%201=09:58 Pass road km 3\n");
+        desk.clock.Set(Monday, QTime(10, 14, 50));
+        QVERIFY(desk.window->Load());
+        desk.window->CheckAlarms(10, 15);
+        frmAlarm* w = desk.Windows().AlarmWindow(1);
+        QVERIFY(w);
+        w->findChild<QLineEdit*>(QStringLiteral("txtLocation"))->setText(QStringLiteral("half typed"));
+        MessageBox::SetNextAnswer(MessageBox::Answer::Yes);
+        QVERIFY(desk.window->close());
+        // The crew never checked in: their last safety check is the one before.
+        QCOMPARE(desk.Stored(QStringLiteral("Alarms/LastPosition 1")),
+                 QStringLiteral("09:58 Pass road km 3"));
+        QCOMPARE(desk.Stored(QStringLiteral("Alarms/AlarmSet 1")), QStringLiteral("True"));
+    }
+
+    void exitDuringACheckInStoresTheAlarmStillPending()
+    {
+        Desk desk(
+            "[General]\nLogOn=1\nLogSafetyOnly=False\n[Alarms]\nCount=1\nMessage%201=Crew 7\n"
+            "TypeTimer%201=True\nInterval%201=00:15\nExpire%201=10:40\nAlarmSet%201=True\nRepeat%201=1\n"
+            "Safety%201=1\n");
+        QVERIFY(desk.window->Load());
+        desk.Windows().StartCheckIn(1);
+        QVERIFY(!desk.Alarms().At(1).AlarmSet);
+        desk.window->EndSession();
+        QCOMPARE(desk.Stored(QStringLiteral("Alarms/AlarmSet 1")), QStringLiteral("True"));
+        QCOMPARE(desk.Stored(QStringLiteral("Alarms/Expire 1")), QStringLiteral("10:40"));
+    }
+
+    void endOfSessionWithAlarmsSetLogsTheExit()
+    {
+        Desk desk(TwoAlarmsOneSet);
+        QVERIFY(desk.window->Load());
+        desk.window->EndSession();
+        QVERIFY(
+            desk.TodaysLog().endsWith("\"11/16/2026\",\"10:00\",\"EX\",0,\"Exit program\",\"\",\"\"\r\n"));
+        QVERIFY(!desk.window->Log().IsTodaysLogOpen());
+    }
+
+    void endOfSessionWithNoAlarmSetLogsNoExit()
+    {
+        Desk desk(LogAllEvents);
+        QVERIFY(desk.window->Load());
+        const QByteArray before = desk.TodaysLog();
+        desk.window->EndSession();
+        QCOMPARE(desk.TodaysLog(), before);
     }
 
     void clockChangeRedrawsTheFacesAtOnce()

@@ -5,6 +5,7 @@
 #include "clock/ZoneClock.h"
 #include "logbook/LogBook.h"
 #include "settings/Preferences.h"
+#include "settings/Settings.h"
 #include "settings/SettingsStore.h"
 
 #include <QRegularExpression>
@@ -26,17 +27,23 @@ QString AlarmDesk::InternetNow() const
     return ::InternetNow(m_clock, m_preferences.Values().InetMinOffset);
 }
 
-void AlarmDesk::LoadAlarms()
+std::optional<SettingsError> AlarmDesk::LoadAlarms()
 {
-    m_alarms.Load(m_store);
+    auto error = m_alarms.Load(m_store);
     RefreshAlarmList();
+    return error;
 }
 
 void AlarmDesk::SaveAlarms()
 {
     m_alarms.Save(m_store);
-    if (!m_store.Sync())
+    // A store that keeps failing is announced once, until a save succeeds again.
+    if (m_store.Sync()) {
+        m_saveFailing = false;
+    } else if (!m_saveFailing) {
+        m_saveFailing = true;
         emit Failed(QStringLiteral("Error saving the alarms to ") + m_store.FileName());
+    }
 }
 
 void AlarmDesk::RefreshAlarmList()
@@ -71,9 +78,14 @@ void AlarmDesk::DeleteAlarm(int ptr)
     SetSelectedAlarm();
 }
 
+QDateTime AlarmDesk::WallMinuteNow() const
+{
+    return WallMinute(InternetDateTimeNow());
+}
+
 bool AlarmDesk::ScanExpiries(int hour, int minute)
 {
-    const QDateTime to(InternetDateTimeNow().date(), QTime(hour, minute));
+    const QDateTime to(WallMinuteNow().date(), QTime(hour, minute), Qt::UTC);
     return ScanSpan(to.addSecs(-60), to);
 }
 
@@ -88,7 +100,7 @@ std::optional<QDateTime> LastInstance(const QString& expire, const QDateTime& fr
         form.match(expire).hasMatch() ? QTime::fromString(expire, QStringLiteral("HH:mm")) : QTime();
     if (!time.isValid())
         return std::nullopt;
-    QDateTime at(to.date(), time);
+    QDateTime at(to.date(), time, Qt::UTC);
     if (at > to)
         at = at.addDays(-1);
     if (at <= from)
@@ -128,7 +140,7 @@ bool AlarmDesk::ScanSpan(const QDateTime& from, const QDateTime& to)
                                                      (a.LateMinutes == 1 ? QStringLiteral(" minute late")
                                                                          : QStringLiteral(" minutes late"))
                                                : QString();
-        m_log.WriteLogEntry(QStringLiteral("EA"), a.Safety, QString::fromUtf16(AlarmLogText::Expired),
+        m_log.WriteLogEntry(QStringLiteral("EA"), SafetyFlag(a), QString::fromUtf16(AlarmLogText::Expired),
                             a.Message, late);
         if (m_stopped)
             return expired;

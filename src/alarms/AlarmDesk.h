@@ -6,10 +6,13 @@
 #include <QObject>
 #include <QString>
 
+#include <optional>
+
 class Clock;
 class LogBook;
 class Preferences;
 class SettingsStore;
+struct SettingsError;
 
 // The alarm table for the whole run, with its persistence, its shared routines and the
 // expiry scan of each minute. The alarm panel, the alarm windows and the note window
@@ -29,8 +32,12 @@ public:
     // The corrected clock that alarms are set and compared by.
     QDateTime InternetDateTimeNow() const;
     QString InternetNow() const;
+    // The wall-clock minute of the corrected clock (see WallMinute).
+    QDateTime WallMinuteNow() const;
 
-    void LoadAlarms();
+    // Reads the table from the store; a stored value that cannot be read is returned, and
+    // the table is then empty.
+    std::optional<SettingsError> LoadAlarms();
     // Writes the table to the store at once; a failure is announced through Failed().
     void SaveAlarms();
     // Blanks the expiry of every unset alarm and announces the table as changed.
@@ -43,8 +50,8 @@ public:
     // Removes alarm `ptr`; the later alarms move down one slot.
     void DeleteAlarm(int ptr);
 
-    // Every set alarm whose time falls after `from` and up to `to` (minutes of the
-    // corrected clock, at most a day apart) goes off once, lower numbers first: each is
+    // Every set alarm whose time falls after `from` and up to `to` (wall-clock minutes of
+    // the corrected clock, see WallMinute; at most a day apart) goes off once, lower numbers first: each is
     // announced through AlarmDue (which opens its window), marked ringing and logged, with
     // how late it is when its minute passed unseen. An alarm already ringing, or that rang
     // for the same expiry before (the clock was set back), does not ring again. The count is
@@ -79,4 +86,5 @@ private:
     const Preferences& m_preferences;
     AlarmTable m_alarms;
     bool m_stopped = false;
+    bool m_saveFailing = false;
 };

@@ -74,6 +74,11 @@ void DeleteAlarm(AlarmTable& table, int ptr)
     --table.AlarmCount;
 }
 
+qint16 SafetyFlag(const AlarmRecord& alarm)
+{
+    return alarm.Safety == 1 ? 1 : 0;
+}
+
 QString RowText(const AlarmRecord& alarm)
 {
     return QStringLiteral("   ") + alarm.Message;

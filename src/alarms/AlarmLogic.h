@@ -26,6 +26,9 @@ std::optional<int> NewAlarm(AlarmTable& table);
 // slot is cleared, the count goes down by one. A number past the count changes nothing.
 void DeleteAlarm(AlarmTable& table, int ptr);
 
+// The safety flag of an alarm's log entries: 1 for a safety alarm, 0 for any other.
+qint16 SafetyFlag(const AlarmRecord& alarm);
+
 // The list row of an alarm.
 QString RowText(const AlarmRecord& alarm);   // three blanks and the message
 QString RowStatus(const AlarmRecord& alarm); // "Set" or one blank

@@ -181,7 +181,7 @@ void AlarmPanel::OpenNote()
         if (table.SelectedAlarm < 1 || table.SelectedAlarm > MaxAlarms)
             return std::nullopt;
         const AlarmRecord& a = table.At(table.SelectedAlarm);
-        return NoteSubject{a.Message, a.Safety};
+        return NoteSubject{a.Message, SafetyFlag(a)};
     };
     auto* note = new frmNote(m_desk.Log(), subject, m_desk.InternetNow(), window());
     note->show();
@@ -281,7 +281,7 @@ void AlarmPanel::cmdSet_Click()
             a.Expire = QStringLiteral("00:00");
             m_lstAlarms->SetRowExpires(RowTag(n), a.Expire);
             m_cmdSet->setText(QStringLiteral(" Set Alarm"));
-            m_desk.Log().WriteLogEntry(QStringLiteral("CA"), a.Safety,
+            m_desk.Log().WriteLogEntry(QStringLiteral("CA"), SafetyFlag(a),
                                        QString::fromUtf16(AlarmLogText::Cancelled), a.Message, QString());
             table.At(n).AlarmSet = false;
         } else {
@@ -300,8 +300,9 @@ void AlarmPanel::cmdSet_Click()
                 m_desk.CalcExpire(m_edtExpire->Text(), n);
             }
             m_cmdSet->setText(QStringLiteral(" Cancel Alarm"));
-            m_desk.Log().WriteLogEntry(QStringLiteral("SA"), a.Safety, QString::fromUtf16(AlarmLogText::Set),
-                                       a.Message, AlarmLogText::ExpiresAt(a.Expire));
+            m_desk.Log().WriteLogEntry(QStringLiteral("SA"), SafetyFlag(a),
+                                       QString::fromUtf16(AlarmLogText::Set), a.Message,
+                                       AlarmLogText::ExpiresAt(a.Expire));
         }
         m_desk.RefreshAlarmList();
         SetSelectedAlarm();

@@ -4,16 +4,17 @@
 #include <QString>
 
 // One alarm. Text fields hold exactly the characters written; Safety and Repeat hold
-// check box values and count as ticked only when they equal 1.
+// check box values and count as ticked only when they equal 1 (any other stored number is
+// kept as it was, and counts as not ticked).
 struct AlarmRecord
 {
     QString Message;
     bool TypeTimer = false;                     // false: clock-time alarm; true: interval timer
     QString Expire = QStringLiteral("00:00");   // "hh:mm" time of day it goes off
     QString Interval = QStringLiteral("00:00"); // "hh:mm" a timer runs
-    qint16 Safety = 0;                          // 1: a safety check alarm
+    qint32 Safety = 0;                          // 1: a safety check alarm
     QString LastPosition;                       // "hh:mm location" of the last safety check
-    qint16 Repeat = 0;                          // 1: "Retain"
+    qint32 Repeat = 0;                          // 1: "Retain"
     bool AlarmSet = false;
     QString AudioPath;    // empty: the default sound
     bool Ringing = false; // never stored

@@ -3,6 +3,10 @@
 #include "settings/Settings.h"
 #include "settings/SettingsStore.h"
 
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <limits>
 #include <stdexcept>
 
 namespace {
@@ -53,21 +57,55 @@ QString AlarmKey(const char16_t* field, int n)
     return QString::fromUtf16(field) + u' ' + QString::number(n);
 }
 
-void AlarmTable::Load(const SettingsStore& store)
+namespace {
+
+// A whole number of any size as written ("40000", "-3"), or nothing when the text is not one.
+std::optional<qint64> ParseCount(const QString& text)
 {
-    const auto readInt = [&](const char16_t* field, int n) -> qint16 {
-        return ParseInt16(store.Read(Section, AlarmKey(field, n), QStringLiteral("0"))).value_or(0);
+    static const QRegularExpression number(QStringLiteral("^\\s*([+-]?)(\\d+)\\s*$"));
+    const auto match = number.match(text);
+    if (!match.hasMatch())
+        return std::nullopt;
+    bool ok = false;
+    const qint64 value = match.captured(2).toLongLong(&ok);
+    const bool negative = match.captured(1) == u"-";
+    if (!ok) // more digits than fit: as far as it goes in its direction
+        return negative ? std::numeric_limits<qint64>::min() : std::numeric_limits<qint64>::max();
+    return negative ? -value : value;
+}
+
+} // namespace
+
+std::optional<SettingsError> AlarmTable::Load(const SettingsStore& store)
+{
+    std::optional<SettingsError> error;
+    const auto fail = [&](const QString& key, const QString& value) {
+        if (!error)
+            error = SettingsError{Section, key, value};
+    };
+    const auto readInt = [&](const char16_t* field, int n) -> qint32 {
+        const QString text = store.Read(Section, AlarmKey(field, n), QStringLiteral("0"));
+        const auto value = ParseInt32(text);
+        if (!value)
+            fail(AlarmKey(field, n), text);
+        return value.value_or(0);
     };
     const auto readBool = [&](const char16_t* field, int n) -> bool {
-        return ParseBool(store.Read(Section, AlarmKey(field, n), QStringLiteral("False"))).value_or(false);
+        const QString text = store.Read(Section, AlarmKey(field, n), QStringLiteral("False"));
+        const auto value = ParseBool(text);
+        if (!value)
+            fail(AlarmKey(field, n), text);
+        return value.value_or(false);
     };
     const auto readText = [&](const char16_t* field, int n) -> QString {
         return store.Read(Section, AlarmKey(field, n), QString());
     };
 
-    const qint16 count =
-        ParseInt16(store.Read(Section, QStringLiteral("Count"), QStringLiteral("0"))).value_or(0);
-    AlarmCount = qBound(0, int(count), MaxAlarms);
+    const QString countText = store.Read(Section, QStringLiteral("Count"), QStringLiteral("0"));
+    const auto count = ParseCount(countText);
+    if (!count)
+        fail(QStringLiteral("Count"), countText);
+    AlarmCount = int(std::clamp<qint64>(count.value_or(0), 0, MaxAlarms));
     for (int n = 1; n <= MaxAlarms; ++n) {
         AlarmRecord& a = At(n);
         a = AlarmRecord{};
@@ -83,6 +121,12 @@ void AlarmTable::Load(const SettingsStore& store)
         a.Safety = readInt(u"Safety", n);
         a.LastPosition = readText(u"LastPosition", n);
     }
+    if (error) {
+        for (AlarmRecord& a : m_slots)
+            a = AlarmRecord{};
+        AlarmCount = 0;
+    }
+    return error;
 }
 
 void AlarmTable::Save(SettingsStore& store) const

@@ -3,8 +3,10 @@
 #include "alarms/AlarmRecord.h"
 
 #include <array>
+#include <optional>
 
 class SettingsStore;
+struct SettingsError;
 
 inline constexpr int MaxAlarms = 30;
 
@@ -29,8 +31,9 @@ public:
     int SlotOf(quint64 id) const;
 
     // Reads "Count" and then alarms 1 to Count from section "Alarms"; a count above 30
-    // stops at 30, and values that do not parse take the defaults.
-    void Load(const SettingsStore& store);
+    // stops at 30 (below 0, at 0). A value that is not the number or the true/false its
+    // key expects is returned as the error, and the table is then left empty.
+    std::optional<SettingsError> Load(const SettingsStore& store);
     // Writes "Count" and the nine keys of each alarm in use; keys of higher numbers stay.
     void Save(SettingsStore& store) const;
 

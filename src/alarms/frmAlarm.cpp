@@ -249,7 +249,7 @@ void frmAlarm::cmdReset_Click()
     QString detail = AlarmLogText::ExpiresAt(a->Expire);
     if (a->Safety == 1)
         detail += QStringLiteral(", ") + m_txtLocation->text();
-    m_desk.Log().WriteLogEntry(QStringLiteral("SA"), a->Safety, QString::fromUtf16(AlarmLogText::Reset),
+    m_desk.Log().WriteLogEntry(QStringLiteral("SA"), SafetyFlag(*a), QString::fromUtf16(AlarmLogText::Reset),
                                a->Message, detail);
     Answered();
 }
@@ -265,7 +265,7 @@ void frmAlarm::cmdStop_Click()
             a->AlarmSet = false;
         else
             m_desk.DeleteAlarm(ExpirePtr());
-        m_desk.Log().WriteLogEntry(QStringLiteral("SA"), stopped.Safety,
+        m_desk.Log().WriteLogEntry(QStringLiteral("SA"), SafetyFlag(stopped),
                                    QString::fromUtf16(AlarmLogText::Terminated), stopped.Message,
                                    stopped.Safety == 1 ? QString(QStringLiteral(", ") + m_txtLocation->text())
                                                        : QString());

@@ -49,10 +49,17 @@ int main(int argc, char* argv[])
                                 platform};
 
     std::unique_ptr<frmMain> mainWindow;
+    // A signal or the end of the session ends the program at once: the main window saves
+    // what it has without asking anything, and no window is given a chance to refuse (a
+    // plain quit would close the splash, which brings up the main window and its question).
+    bool ending = false;
     const auto endProgram = [&] {
+        if (ending)
+            return;
+        ending = true;
         if (mainWindow)
             mainWindow->EndSession();
-        QCoreApplication::quit();
+        QCoreApplication::exit(0);
     };
     const auto signals_ = ShutdownSignals::Create();
     QObject::connect(signals_.get(), &ShutdownSignals::Requested, &app, endProgram);
@@ -61,6 +68,8 @@ int main(int argc, char* argv[])
 
     frmSplash splash;
     QObject::connect(&splash, &frmSplash::Finished, &app, [&] {
+        if (ending)
+            return; // told to end during the splash: nothing was loaded, nothing to save
         mainWindow = std::make_unique<frmMain>(services);
         if (!mainWindow->Load()) {
             QApplication::setQuitOnLastWindowClosed(false);

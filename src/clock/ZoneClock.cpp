@@ -19,6 +19,11 @@ QString DialogZoneLabel(int index)
     return ZoneLongName(index);
 }
 
+QDateTime WallMinute(const QDateTime& local)
+{
+    return QDateTime(local.date(), QTime(local.time().hour(), local.time().minute()), Qt::UTC);
+}
+
 QDateTime InternetDateTime(const QDateTime& now, int inetMinOffset)
 {
     return now.addSecs(qint64(inetMinOffset) * 60);

@@ -39,6 +39,12 @@ QString DialogZoneLabel(int index);
 // The corrected date and time: the PC clock plus the Internet minute offset.
 QDateTime InternetDateTime(const QDateTime& now, int inetMinOffset);
 
+// The minute a clock on the wall shows at `local`: its date, hour and minute as a plain
+// reading without the zone's offset. Alarms are counted by this reading, so that the hour a
+// daylight-time change repeats looks like a clock set back, and the hour it skips like a
+// clock jumping forward.
+QDateTime WallMinute(const QDateTime& local);
+
 // The corrected time of day as "hh:nn" (seconds dropped).
 QString InternetNow(const Clock& clock, int inetMinOffset);
 

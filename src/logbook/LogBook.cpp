@@ -93,9 +93,23 @@ QString LogBook::PathOf(QDate day) const
 
 std::optional<QString> LogBook::Report(std::optional<QString> error)
 {
-    if (error)
+    // A failure is announced once; while the log keeps failing the entries are tried
+    // again but not announced again, until one is written.
+    if (error && !m_failing) {
+        m_failing = true;
         emit Failed(*error);
+    }
     return error;
+}
+
+bool LogBook::EndsWithNewLine(QFile& file)
+{
+    QFile reader(file.fileName());
+    if (!reader.open(QIODevice::ReadOnly) || reader.size() == 0)
+        return true;
+    reader.seek(reader.size() - 1);
+    char last = 0;
+    return reader.getChar(&last) && last == '\n';
 }
 
 void LogBook::SetSwitches(const LogSwitches& switches)
@@ -112,10 +126,13 @@ std::optional<QString> LogBook::OpenTodaysLog()
     const QDate today = m_clock.Today();
     QDir().mkpath(m_folder);
     m_today.setFileName(PathOf(today));
-    if (!m_today.open(QIODevice::WriteOnly | QIODevice::Append))
+    // Unbuffered: each entry goes to the file in one write, so that a failed one can be
+    // taken back whole.
+    if (!m_today.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered))
         return Report(ErrorText(QStringLiteral("Error opening today's logbook"), int(m_today.error()),
                                 m_today.errorString()));
     m_openDay = today;
+    m_startOnNewLine = !EndsWithNewLine(m_today);
     return std::nullopt;
 }
 
@@ -149,12 +166,23 @@ std::optional<QString> LogBook::WriteLogEntry(const QString& code, qint16 safety
                                 QStringLiteral("The logbook file is not open")));
 
     const LogEntry entry{m_clock.Today(), time, code, safety, text1, text2, text3};
-    const QByteArray line = FormatLogLine(entry, m_locale);
+    QByteArray line = FormatLogLine(entry, m_locale);
+    // A file that ends in the middle of a line (cut short by a crash) gets the entry on a
+    // line of its own.
+    const qint64 before = m_today.size();
+    if (m_startOnNewLine)
+        line.prepend("\r\n");
     if (m_today.write(line) != line.size() || !SyncFileToDisk(m_today)) {
         const QString message = ErrorText(fixedText, int(m_today.error()), m_today.errorString());
+        // What part of the entry reached the file is taken back: the log never ends in a
+        // torn line, and the next entry starts on a line of its own.
+        m_today.unsetError();
+        m_today.resize(before);
         m_today.unsetError();
         return Report(message);
     }
+    m_failing = false;
+    m_startOnNewLine = false;
     return std::nullopt;
 }
 

@@ -120,12 +120,15 @@ signals:
 
 private:
     std::optional<QString> Report(std::optional<QString> error);
+    static bool EndsWithNewLine(QFile& file);
 
     QString m_folder;
     const Clock& m_clock;
     QLocale m_locale;
     TimeSource m_now;
     LogSwitches m_switches;
+    bool m_failing = false;
+    bool m_startOnNewLine = false;
     QFile m_today;
     QDate m_openDay;
     QFile m_dayRead;

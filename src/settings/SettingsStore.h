@@ -2,6 +2,7 @@
 
 #include <QSettings>
 #include <QString>
+#include <QTemporaryFile>
 
 #include <memory>
 
@@ -21,9 +22,12 @@ public:
     ~SettingsStore();
 
     QString FileName() const;
-    // False when the file exists but cannot be read or parsed; the program must then
-    // leave it alone rather than overwrite it.
+    // False when the file exists but cannot be read or parsed whole; the program must then
+    // leave it alone rather than overwrite it. Problem() says why, in words.
     bool IsReadable() const;
+    QString Problem() const;
+    // Whether the file can be written (or made); when not, nothing changed is kept.
+    bool IsWritable() const;
 
     bool Contains(const QString& section, const QString& key) const;
     QString Read(const QString& section, const QString& key, const QString& defaultValue) const;
@@ -33,5 +37,11 @@ public:
 
 private:
     static QString FullKey(const QString& section, const QString& key);
+    void PrepareReading();
+    const QSettings& Reader() const;
+
     std::unique_ptr<QSettings> m_settings;
+    // Where the file is not UTF-8: a converted copy that the values are read from.
+    std::unique_ptr<QTemporaryFile> m_copy;
+    std::unique_ptr<QSettings> m_reader;
 };

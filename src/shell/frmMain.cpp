@@ -32,6 +32,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
 
@@ -138,6 +139,16 @@ void frmMain::ConnectOwners()
 
 void frmMain::Report(const QString& message)
 {
+    if (m_endingQuietly) {
+        // Ending by a signal or with the session: nobody is there to answer a question.
+        // The error goes to standard error, and to the log while it is open.
+        std::fprintf(stderr, "tarrowind: %s\n", qUtf8Printable(QString(message).replace(u'\r', u' ')));
+        std::fflush(stderr);
+        if (m_log->IsTodaysLogOpen())
+            m_log->WriteLogEntry(QStringLiteral("NT"), 1, QStringLiteral("Error at exit: "),
+                                 message.section(u'\r', 0, 0), QString());
+        return;
+    }
     // Shown without waiting: the minute's work (the next due alarm's window) goes on.
     MessageBox::NoticeLater(this, message);
 }

@@ -136,6 +136,7 @@ private:
     bool m_loaded = false;
     bool m_stopped = false;
     bool m_closeQuestionOpen = false;
+    bool m_endingQuietly = false;
     bool m_synchronised = false;
     bool m_clockBeingSet = false;
     QDate m_lastDate;

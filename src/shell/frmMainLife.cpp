@@ -53,27 +53,39 @@ bool frmMain::Load()
         setWindowTitle(QStringLiteral("Tarrowind"));
 
         step = 5; // steps 5 to 11 and 16 read the store, in that order
-        if (!m_store.IsReadable()) {
-            MessageBox::Notice(
-                this, QStringLiteral("The settings file cannot be read: ") + m_store.FileName() + u'\r' +
-                          QStringLiteral("Tarrowind will close and leave the file unchanged."));
+        const auto unreadable = [this] {
+            MessageBox::Notice(this,
+                               QStringLiteral("The settings file cannot be read: ") + m_store.FileName() +
+                                   u'\r' + m_store.Problem() + u'\r' +
+                                   QStringLiteral("Tarrowind will close and leave the file unchanged."));
             return false;
-        }
+        };
+        if (!m_store.IsReadable())
+            return unreadable();
         SettingsReadResult read = ReadSettings(m_store, m_clock.Now());
         if (read.Error) {
             MessageBox::Notice(this, SettingsErrorMessage(*read.Error));
             return false;
         }
+        // Checked again once every key was read: the whole file must have been understood.
+        if (!m_store.IsReadable())
+            return unreadable();
         m_preferences->Replace(std::move(read.Values));
+        // Messages of the start-up do not wait for an answer: the clock starts meanwhile.
+        if (!m_store.IsWritable())
+            MessageBox::NoticeLater(
+                this, QStringLiteral("The settings file cannot be written: ") + m_store.FileName() + u'\r' +
+                          QStringLiteral("Settings and alarms changed from now on will not "
+                                         "be kept when Tarrowind ends."));
 
         step = 6;
         if (m_alarmWindows->DefaultSoundFile().isEmpty()) {
             m_preferences->Change([](Settings& values) { values.Audible = 0; });
-            MessageBox::Notice(this,
-                               QStringLiteral("Notice - Can not find sound file: ") +
-                                   m_preferences->Values().Sound + u'\r' +
-                                   QStringLiteral("Sound turned off. Select a new default sound file in "
-                                                  "Properties"));
+            MessageBox::NoticeLater(this,
+                                    QStringLiteral("Notice - Can not find sound file: ") +
+                                        m_preferences->Values().Sound + u'\r' +
+                                        QStringLiteral("Sound turned off. Select a new default sound file in "
+                                                       "Properties"));
         }
 
         step = 10;
@@ -95,7 +107,10 @@ bool frmMain::Load()
         FillZoneLists(1);
 
         step = 18; // step 17: the capacity is MaxAlarms
-        m_alarms->LoadAlarms();
+        if (const auto error = m_alarms->LoadAlarms()) {
+            MessageBox::Notice(this, SettingsErrorMessage(*error));
+            return false;
+        }
         m_alarms->Table().SelectedAlarm = 1;
         if (m_alarms->Table().AlarmCount > 0)
             m_alarms->SetSelectedAlarm();
@@ -168,8 +183,7 @@ void frmMain::ArmTick()
 
 QDateTime frmMain::CorrectedMinute() const
 {
-    const QDateTime now = m_alarms->InternetDateTimeNow();
-    return QDateTime(now.date(), QTime(now.time().hour(), now.time().minute()));
+    return m_alarms->WallMinuteNow();
 }
 
 void frmMain::tmrMain_Timer()
@@ -196,7 +210,7 @@ void frmMain::tmrMain_Timer()
 
 void frmMain::CheckAlarms(int hour, int minute)
 {
-    HandleMinutes(QDateTime(m_alarms->InternetDateTimeNow().date(), QTime(hour, minute)));
+    HandleMinutes(QDateTime(m_alarms->WallMinuteNow().date(), QTime(hour, minute), Qt::UTC));
 }
 
 void frmMain::HandleMinutes(const QDateTime& to)
@@ -316,6 +330,7 @@ void frmMain::EndSession()
 {
     if (!m_loaded || m_stopped)
         return;
+    m_endingQuietly = true;
     // The log shows this exit as it shows one the operator confirmed.
     if (m_alarms->Table().SetCount() > 0)
         m_log->WriteLogEntry(QStringLiteral("EX"), 0, QStringLiteral("Exit program"), QString(), QString());

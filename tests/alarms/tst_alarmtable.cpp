@@ -1,5 +1,7 @@
 #include "TestEnvironment.h"
+#include "alarms/AlarmLogic.h"
 #include "alarms/AlarmTable.h"
+#include "settings/Settings.h"
 #include "settings/SettingsStore.h"
 
 #include <QSettings>
@@ -120,8 +122,8 @@ private slots:
         QCOMPARE(a.LastPosition, QString());
         QCOMPARE(a.TypeTimer, false);
         QCOMPARE(a.AlarmSet, false);
-        QCOMPARE(a.Repeat, qint16(0));
-        QCOMPARE(a.Safety, qint16(0));
+        QCOMPARE(a.Repeat, 0);
+        QCOMPARE(a.Safety, 0);
     }
 
     void countAboveThirtyStopsAtThirty()
@@ -134,21 +136,82 @@ private slots:
         QCOMPARE(table.At(30).Message, QStringLiteral("Last"));
     }
 
-    void corruptNumbersReadAsZero()
+    void countFarAboveThirtyStopsAtThirtyAndBelowZeroAtZero()
     {
         TestEnvironment env;
-        TestEnvironment::WriteFile(env.SettingsFile(), "[Alarms]\nCount=1\nRepeat%201=often\nSafety%201=x\n"
-                                                       "AlarmSet%201=perhaps\n");
+        TestEnvironment::WriteFile(env.SettingsFile(), "[Alarms]\nCount=40000\nMessage%2030=Last\n");
         AlarmTable table;
-        table.Load(SettingsStore(env.SettingsFile()));
-        QCOMPARE(table.At(1).Repeat, qint16(0));
-        QCOMPARE(table.At(1).Safety, qint16(0));
-        QCOMPARE(table.At(1).AlarmSet, false);
-
-        TestEnvironment other;
-        TestEnvironment::WriteFile(other.SettingsFile(), "[Alarms]\nCount=lots\n");
-        table.Load(SettingsStore(other.SettingsFile()));
+        QVERIFY(!table.Load(SettingsStore(env.SettingsFile())));
+        QCOMPARE(table.AlarmCount, 30);
+        QCOMPARE(table.At(30).Message, QStringLiteral("Last"));
+        TestEnvironment::WriteFile(env.SettingsFile(), "[Alarms]\nCount=99999999999999999999999\n");
+        QVERIFY(!table.Load(SettingsStore(env.SettingsFile())));
+        QCOMPARE(table.AlarmCount, 30);
+        TestEnvironment::WriteFile(env.SettingsFile(), "[Alarms]\nCount=-4\n");
+        QVERIFY(!table.Load(SettingsStore(env.SettingsFile())));
         QCOMPARE(table.AlarmCount, 0);
+    }
+
+    void valueThatIsNotItsKindIsRefusedByKeyAndValue_data()
+    {
+        QTest::addColumn<QByteArray>("ini");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("value");
+        QTest::newRow("set as a word") << QByteArray("Count=1\nAlarmSet%201=yes\n") << "AlarmSet 1"
+                                       << "yes";
+        QTest::newRow("timer as a word") << QByteArray("Count=1\nTypeTimer%201=perhaps\n") << "TypeTimer 1"
+                                         << "perhaps";
+        QTest::newRow("retain as a word") << QByteArray("Count=1\nRepeat%201=often\n") << "Repeat 1"
+                                          << "often";
+        QTest::newRow("safety as a letter") << QByteArray("Count=2\nSafety%202=x\n") << "Safety 2"
+                                            << "x";
+        QTest::newRow("count as a word") << QByteArray("Count=lots\n") << "Count"
+                                         << "lots";
+    }
+
+    void valueThatIsNotItsKindIsRefusedByKeyAndValue()
+    {
+        QFETCH(QByteArray, ini);
+        QFETCH(QString, key);
+        QFETCH(QString, value);
+        TestEnvironment env;
+        TestEnvironment::WriteFile(env.SettingsFile(), "[Alarms]\n" + ini);
+        AlarmTable table;
+        const auto error = table.Load(SettingsStore(env.SettingsFile()));
+        QVERIFY(error);
+        QCOMPARE(error->Section, QStringLiteral("Alarms"));
+        QCOMPARE(error->Key, key);
+        QCOMPARE(error->Value, value);
+        QCOMPARE(table.AlarmCount, 0);
+    }
+
+    void numberOutsideTheCheckBoxValuesIsKeptAndCountsAsNotTicked()
+    {
+        TestEnvironment env;
+        TestEnvironment::WriteFile(env.SettingsFile(),
+                                   "[Alarms]\nCount=1\nMessage%201=Odd\nSafety%201=99999\n"
+                                   "Repeat%201=-2\n");
+        AlarmTable table;
+        QVERIFY(!table.Load(SettingsStore(env.SettingsFile())));
+        QCOMPARE(table.At(1).Safety, 99999);
+        QCOMPARE(SafetyFlag(table.At(1)), qint16(0));
+        SettingsStore store(env.SettingsFile());
+        table.Save(store);
+        QVERIFY(store.Sync());
+        QCOMPARE(QSettings(env.SettingsFile(), QSettings::IniFormat).value(QStringLiteral("Alarms/Safety 1")),
+                 QVariant(QStringLiteral("99999")));
+        QCOMPARE(QSettings(env.SettingsFile(), QSettings::IniFormat).value(QStringLiteral("Alarms/Repeat 1")),
+                 QVariant(QStringLiteral("-2")));
+    }
+
+    void messageWrittenInLatin1ReadsBackAsWritten()
+    {
+        TestEnvironment env;
+        TestEnvironment::WriteFile(env.SettingsFile(),
+                                   "[Alarms]\nCount=1\nMessage%201=Caf\xe9 on the ridge\n");
+        AlarmTable table;
+        QVERIFY(!table.Load(SettingsStore(env.SettingsFile())));
+        QCOMPARE(table.At(1).Message, QStringLiteral("Caf\u00e9 on the ridge"));
     }
 
     void booleansAcceptNumbers()

@@ -248,22 +248,49 @@ private slots:
                  QByteArray("\"11/16/2026\",\"10:42\",\"NT\",1,\"safety\",\"\",\"\"\r\n"));
     }
 
-    void everyFailureIsAnnounced()
+    void failureIsAnnouncedOnceUntilAnEntryIsWritten()
     {
         TestEnvironment env;
         ManualClock clock;
         TestEnvironment::WriteFile(env.LogFolder(), "not a folder");
         LogBook log(env.LogFolder(), clock, EnUs);
         log.SetSwitches(AllEvents);
+        log.SetTimeSource([] { return QStringLiteral("10:00"); });
         QSignalSpy failed(&log, &LogBook::Failed);
         QVERIFY(log.OpenTodaysLog());
         QCOMPARE(failed.size(), 1);
         QVERIFY(
             failed.at(0).at(0).toString().startsWith(QStringLiteral("Error opening today's logbook\r\r")));
+        // Every entry is still tried, and fails, but the operator is not told again and again.
         log.WriteLogEntry(QStringLiteral("ST"), 0, QStringLiteral("Start program"), QString(), QString());
+        log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("x"), QString(), QString());
+        QCOMPARE(failed.size(), 1);
+        // The folder comes back: entries are written, and a later failure is told again.
+        QVERIFY(QFile::remove(env.LogFolder()));
+        QVERIFY(!log.OpenTodaysLog());
+        log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("written"), QString(), QString());
+        QVERIFY(TestEnvironment::ReadFile(log.PathOf(clock.Today())).contains("written"));
+        log.CloseTodaysLog();
+        log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("y"), QString(), QString());
         QCOMPARE(failed.size(), 2);
         QCOMPARE(failed.at(1).at(0).toString(),
                  QStringLiteral("Error writing to the logbook\r\r2 - The logbook file is not open"));
+    }
+
+    void entryAfterALineCutShortStartsOnALineOfItsOwn()
+    {
+        TestEnvironment env;
+        ManualClock clock;
+        LogBook log(env.LogFolder(), clock, EnUs);
+        log.SetSwitches(AllEvents);
+        log.SetTimeSource([] { return QStringLiteral("10:00"); });
+        // A crash left half a line at the end of the day's file.
+        TestEnvironment::WriteFile(log.PathOf(clock.Today()), "\"11/16/2026\",\"09:59\",\"N");
+        QVERIFY(!log.OpenTodaysLog());
+        log.WriteLogEntry(QStringLiteral("ST"), 0, QStringLiteral("Start program"), QString(), QString());
+        QCOMPARE(TestEnvironment::ReadFile(log.PathOf(clock.Today())),
+                 QByteArray("\"11/16/2026\",\"09:59\",\"N\r\n"
+                            "\"11/16/2026\",\"10:00\",\"ST\",0,\"Start program\",\"\",\"\"\r\n"));
     }
 
     void readingTodayClosesAndReopensTodaysLog()

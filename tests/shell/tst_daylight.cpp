@@ -1,0 +1,100 @@
+#include "Desk.h"
+#include "alarms/frmAlarm.h"
+#include "widgets/MessageBox.h"
+
+namespace {
+
+// The local time of an instant given in UTC (this test runs with TZ=America/Los_Angeles).
+QDateTime LocalAt(const char* utc)
+{
+    return QDateTime::fromString(QString::fromLatin1(utc), Qt::ISODate).toLocalTime();
+}
+
+int RangCount(const Desk& desk, const char* message)
+{
+    int count = 0;
+    for (const QByteArray& line : desk.TodaysLog().split('\n'))
+        if (line.contains("\"EA\"") && line.contains(message))
+            ++count;
+    return count;
+}
+
+// Answers every open alarm window with Reset: a retained clock alarm is set again for the
+// same time, so that only the expiry rule keeps it from ringing twice.
+void ResetAll(Desk& desk)
+{
+    for (frmAlarm* w : desk.Windows().OpenAlarmWindows())
+        w->cmdReset_Click();
+    QCoreApplication::processEvents();
+}
+
+const QByteArray Retained = "[General]\nLogOn=1\nLogSafetyOnly=False\n[Alarms]\n";
+
+} // namespace
+
+// Alarms across the two daylight-time changes of a year in a zone that keeps daylight time.
+class TestDaylight : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase()
+    {
+        QVERIFY2(LocalAt("2026-11-01T09:30:00Z").offsetFromUtc() == -8 * 3600,
+                 "the test must run with TZ=America/Los_Angeles");
+    }
+    void init() { MessageBox::SetTestMode(true); }
+    void cleanup() { MessageBox::SetTestMode(false); }
+
+    void repeatedHourOfTheAutumnChangeRingsEachAlarmOnce()
+    {
+        Desk desk(Retained +
+                  "Count=3\n"
+                  "Message%201=At one\nExpire%201=01:00\nAlarmSet%201=True\nRepeat%201=1\n"
+                  "Message%202=At half past one\nExpire%202=01:30\nAlarmSet%202=True\nRepeat%202=1\n"
+                  "Message%203=At one fifty-nine\nExpire%203=01:59\nAlarmSet%203=True\nRepeat%203=1\n");
+        desk.clock.Set(LocalAt("2026-11-01T07:50:00Z")); // 00:50 daylight time
+        QVERIFY(desk.window->Load());
+        // A tick every minute through both passes of the hour from 01:00 to 02:00.
+        for (int minute = 0; minute <= 10 + 60 + 61; ++minute) {
+            desk.clock.Set(LocalAt("2026-11-01T07:50:00Z").addSecs(60 * minute));
+            desk.window->tmrMain_Timer();
+            ResetAll(desk);
+        }
+        QCOMPARE(desk.clock.Now().time(), QTime(2, 1));
+        QCOMPARE(RangCount(desk, "At one\""), 1);
+        QCOMPARE(RangCount(desk, "At half past one"), 1);
+        QCOMPARE(RangCount(desk, "At one fifty-nine"), 1);
+    }
+
+    void skippedHourOfTheSpringChangeRingsItsAlarmsAtTheChangeLate()
+    {
+        Desk desk(Retained + "Count=4\n"
+                             "Message%201=At two\nExpire%201=02:00\nAlarmSet%201=True\n"
+                             "Message%202=At half past two\nExpire%202=02:30\nAlarmSet%202=True\n"
+                             "Message%203=Crew 7\nTypeTimer%203=True\nInterval%203=00:25\nExpire%203=02:15\n"
+                             "AlarmSet%203=True\nRepeat%203=1\nSafety%203=1\n"
+                             "Message%204=At three ten\nExpire%204=03:10\nAlarmSet%204=True\n");
+        desk.clock.Set(LocalAt("2026-03-08T09:55:00Z")); // 01:55 standard time
+        QVERIFY(desk.window->Load());
+        desk.window->tmrMain_Timer();
+        desk.clock.Set(LocalAt("2026-03-08T09:59:00Z")); // 01:59
+        desk.window->tmrMain_Timer();
+        QVERIFY(desk.Windows().OpenAlarmWindows().isEmpty());
+        desk.clock.Set(LocalAt("2026-03-08T10:00:00Z")); // 03:00 daylight time
+        QCOMPARE(desk.clock.Now().time(), QTime(3, 0));
+        desk.window->tmrMain_Timer();
+        QCOMPARE(desk.Windows().OpenAlarmWindows().size(), 3);
+        const QByteArray log = desk.TodaysLog();
+        QVERIFY2(log.contains(Desk::Line("03:00", "EA", 0, "Alarm Expired for ", "At two",
+                                         ", rang 60 minutes late", "3/8/2026")),
+                 log.constData());
+        QVERIFY(log.contains(Desk::Line("03:00", "EA", 1, "Alarm Expired for ", "Crew 7",
+                                        ", rang 45 minutes late", "3/8/2026")));
+        QVERIFY(log.contains(Desk::Line("03:00", "EA", 0, "Alarm Expired for ", "At half past two",
+                                        ", rang 30 minutes late", "3/8/2026")));
+        QVERIFY(!log.contains("At three ten"));
+    }
+};
+
+QTEST_MAIN(TestDaylight)
+#include "tst_daylight.moc"

@@ -36,6 +36,10 @@ std::optional<SettingsError> AlarmDesk::LoadAlarms()
 
 void AlarmDesk::SaveAlarms()
 {
+    // After the last save of the program nothing is stored: what the closing windows write
+    // into the table (a location nobody sent) must not reach the store.
+    if (m_sealed)
+        return;
     m_alarms.Save(m_store);
     // A store that keeps failing is announced once, until a save succeeds again.
     if (m_store.Sync()) {
@@ -61,6 +65,8 @@ void AlarmDesk::CalcExpire(const QString& etime, int ptr)
 {
     if (const auto expire = ::CalcExpire(InternetDateTimeNow(), etime)) {
         m_alarms.At(ptr).Expire = *expire;
+        // A new expiry: whatever the alarm rang for before does not hold it back.
+        m_alarms.At(ptr).RangFor = QDateTime();
         emit ExpiryChanged(ptr);
     }
 }
@@ -110,47 +116,73 @@ std::optional<QDateTime> LastInstance(const QString& expire, const QDateTime& fr
 
 } // namespace
 
+AlarmDesk::Step AlarmDesk::RingIfDue(int& n, const QDateTime& from, const QDateTime& to)
+{
+    AlarmRecord& due = m_alarms.At(n);
+    if (!due.AlarmSet || due.Ringing)
+        return Step::Quiet;
+    const auto at = LastInstance(due.Expire, from, to);
+    // The same expiry (the same date and minute on the wall) rings once.
+    if (!at || due.RangFor == *at)
+        return Step::Quiet;
+    due.RangFor = *at;
+    due.LateMinutes = int(at->secsTo(to) / 60);
+    const quint64 id = m_alarms.IdOf(n);
+    emit AlarmDue(n);
+    if (m_stopped)
+        return Step::Stopped; // the program was ended while a message was open
+    // A window may have moved the table meanwhile: go on from this alarm's own slot.
+    if (const int moved = m_alarms.SlotOf(id); moved != 0) {
+        n = moved;
+    } else {
+        --n; // it was deleted: the next alarm moved into its slot
+        return Step::Quiet;
+    }
+    m_alarms.At(n).Ringing = true;
+    const AlarmRecord& a = m_alarms.At(n);
+    const QString late = a.LateMinutes > 0 ? QStringLiteral(", rang ") + QString::number(a.LateMinutes) +
+                                                 (a.LateMinutes == 1 ? QStringLiteral(" minute late")
+                                                                     : QStringLiteral(" minutes late"))
+                                           : QString();
+    m_log.WriteLogEntry(QStringLiteral("EA"), SafetyFlag(a), QString::fromUtf16(AlarmLogText::Expired),
+                        a.Message, late);
+    return m_stopped ? Step::Stopped : Step::Rang;
+}
+
+bool AlarmDesk::RingIfPassed(int n, const QDateTime& since)
+{
+    int slot = n;
+    const Step step = RingIfDue(slot, since, WallMinuteNow());
+    if (step == Step::Rang)
+        Rang(slot == m_alarms.SelectedAlarm);
+    return step == Step::Rang;
+}
+
+void AlarmDesk::Rang(bool selectedRang)
+{
+    RefreshAlarmList();
+    // The windows are placed and the log view redrawn once the list shows the ringing.
+    emit AlarmsRang();
+    // The editor keeps its alarm, and what the operator is typing in it; only when that
+    // alarm rang is the editor shown anew, with its buttons locked.
+    if (selectedRang)
+        SetSelectedAlarm();
+}
+
 bool AlarmDesk::ScanSpan(const QDateTime& from, const QDateTime& to)
 {
     bool expired = false;
+    bool selectedRang = false;
     for (int n = 1; n <= m_alarms.AlarmCount; ++n) {
-        AlarmRecord& due = m_alarms.At(n);
-        if (!due.AlarmSet || due.Ringing)
-            continue;
-        const auto at = LastInstance(due.Expire, from, to);
-        if (!at || due.RangFor == *at)
-            continue;
-        due.RangFor = *at;
-        due.LateMinutes = int(at->secsTo(to) / 60);
-        const quint64 id = m_alarms.IdOf(n);
-        emit AlarmDue(n);
-        if (m_stopped)
-            return expired; // the program was ended while a message was open
-        // A window may have moved the table meanwhile: go on from this alarm's own slot.
-        if (const int moved = m_alarms.SlotOf(id); moved != 0) {
-            n = moved;
-        } else {
-            --n; // it was deleted: the next alarm moved into its slot
-            continue;
-        }
-        m_alarms.At(n).Ringing = true;
-        expired = true;
-        const AlarmRecord& a = m_alarms.At(n);
-        const QString late = a.LateMinutes > 0 ? QStringLiteral(", rang ") + QString::number(a.LateMinutes) +
-                                                     (a.LateMinutes == 1 ? QStringLiteral(" minute late")
-                                                                         : QStringLiteral(" minutes late"))
-                                               : QString();
-        m_log.WriteLogEntry(QStringLiteral("EA"), SafetyFlag(a), QString::fromUtf16(AlarmLogText::Expired),
-                            a.Message, late);
-        if (m_stopped)
+        const Step step = RingIfDue(n, from, to);
+        if (step == Step::Stopped)
             return expired;
+        if (step == Step::Rang) {
+            expired = true;
+            selectedRang = selectedRang || n == m_alarms.SelectedAlarm;
+        }
     }
-    if (expired) {
-        RefreshAlarmList();
-        // The windows are placed and the log view redrawn once the list shows the ringing.
-        emit AlarmsRang();
-        // The editor shows the state of its alarm again (locked when it is the ringing one).
-        SetSelectedAlarm();
-    }
+    if (expired)
+        Rang(selectedRang);
     return expired;
 }

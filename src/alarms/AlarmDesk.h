@@ -59,9 +59,19 @@ public:
     bool ScanSpan(const QDateTime& from, const QDateTime& to);
     // The scan of one minute of today: ScanSpan over that minute alone.
     bool ScanExpiries(int hour, int minute);
+    // Alarm n alone rings when its expiry fell after `since` and up to now (a check-in was
+    // called off after the alarm's time had come).
+    bool RingIfPassed(int n, const QDateTime& since);
 
-    // The program is stopping: a scan under way ends at its next step.
-    void Stop() { m_stopped = true; }
+    // The program is stopping: a scan under way ends at its next step, and a failure of the
+    // last save is told even when earlier ones were.
+    void Stop()
+    {
+        m_stopped = true;
+        m_saveFailing = false;
+    }
+    // The last save was made: no later save reaches the store.
+    void Seal() { m_sealed = true; }
     bool IsStopped() const { return m_stopped; }
 
 signals:
@@ -80,6 +90,15 @@ signals:
     void Failed(const QString& message);
 
 private:
+    enum class Step
+    {
+        Quiet,
+        Rang,
+        Stopped,
+    };
+    Step RingIfDue(int& n, const QDateTime& from, const QDateTime& to);
+    void Rang(bool selectedRang);
+
     SettingsStore& m_store;
     LogBook& m_log;
     const Clock& m_clock;
@@ -87,4 +106,5 @@ private:
     AlarmTable m_alarms;
     bool m_stopped = false;
     bool m_saveFailing = false;
+    bool m_sealed = false;
 };

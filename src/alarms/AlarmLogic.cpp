@@ -56,6 +56,9 @@ void DeleteAlarm(AlarmTable& table, int ptr)
         to.Id = from.Id;
         to.RangFor = from.RangFor;
         to.LateMinutes = from.LateMinutes;
+        to.CheckingIn = from.CheckingIn;
+        to.PendingSet = from.PendingSet;
+        to.PendingExpire = from.PendingExpire;
     }
     AlarmRecord& last = table.At(table.AlarmCount);
     last.AlarmSet = false;
@@ -71,6 +74,9 @@ void DeleteAlarm(AlarmTable& table, int ptr)
     last.Id = 0;
     last.RangFor = QDateTime();
     last.LateMinutes = 0;
+    last.CheckingIn = false;
+    last.PendingSet = false;
+    last.PendingExpire.clear();
     --table.AlarmCount;
 }
 

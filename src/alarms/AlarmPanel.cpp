@@ -169,8 +169,25 @@ AlarmPanel::AlarmPanel(AlarmDesk& desk, AlarmWindows& windows, const Preferences
 
 void AlarmPanel::SetSoundChoicesEnabled(bool enabled)
 {
-    m_optDefault->setEnabled(enabled);
-    m_optNamed->setEnabled(enabled);
+    m_optDefault->setEnabled(enabled && !m_editorLocked);
+    m_optNamed->setEnabled(enabled && !m_editorLocked);
+}
+
+void AlarmPanel::ShowNoAlarm()
+{
+    // No alarm left: an empty editor that offers nothing but New.
+    m_loadingEditor = true;
+    m_txtMessage->clear();
+    m_edtExpire->SetText(QString());
+    m_cmdSet->setText(QStringLiteral(" Set Alarm"));
+    m_chkSafety->setChecked(false);
+    m_chkRepeat->setChecked(false);
+    m_cmdCheckIn->setEnabled(false);
+    for (QWidget* editor : std::initializer_list<QWidget*>{m_txtMessage, m_optClock, m_optTimer, m_edtExpire,
+                                                           m_chkRepeat, m_chkSafety, m_cmdSet, m_cmdDelete})
+        editor->setEnabled(true);
+    m_editorLocked = false;
+    m_loadingEditor = false;
 }
 
 void AlarmPanel::OpenNote()
@@ -190,7 +207,8 @@ void AlarmPanel::OpenNote()
 bool AlarmPanel::Editing() const
 {
     const AlarmTable& table = m_desk.Table();
-    return !m_loadingEditor && table.SelectedAlarm >= 1 && table.SelectedAlarm <= table.AlarmCount;
+    return !m_loadingEditor && !m_editorLocked && table.SelectedAlarm >= 1 &&
+           table.SelectedAlarm <= table.AlarmCount;
 }
 
 void AlarmPanel::RefreshRows()
@@ -207,6 +225,10 @@ void AlarmPanel::SetSelectedAlarm()
 {
     const AlarmTable& table = m_desk.Table();
     const int n = table.SelectedAlarm;
+    if (table.AlarmCount == 0) {
+        ShowNoAlarm();
+        return;
+    }
     if (n < 1 || n > table.AlarmCount)
         return;
     const AlarmRecord& a = table.At(n);
@@ -243,6 +265,12 @@ void AlarmPanel::SetSelectedAlarm()
     m_cmdDelete->setToolTip(locked ? lockTip : QStringLiteral("Delete alarm"));
     m_cmdSet->setToolTip(locked ? lockTip : QStringLiteral("Set/Cancel alarm"));
     m_cmdCheckIn->setToolTip(locked ? lockTip : QStringLiteral("Safety check in"));
+    // Nor can its record be edited under the window: the window acts on what it shows.
+    for (QWidget* editor : std::initializer_list<QWidget*>{m_txtMessage, m_optClock, m_optTimer, m_edtExpire,
+                                                           m_chkRepeat, m_chkSafety})
+        editor->setEnabled(!locked);
+    m_editorLocked = locked;
+    SetSoundChoicesEnabled(m_preferences.Values().Audible == 1);
     m_loadingEditor = false;
 }
 
@@ -292,6 +320,7 @@ void AlarmPanel::cmdSet_Click()
                 return;
             }
             a.AlarmSet = true;
+            a.RangFor = QDateTime(); // armed anew: it rings at this time even if it rang there before
             if (!a.TypeTimer) {
                 a.Expire = TimeText(m_edtExpire->Text());
                 m_lstAlarms->SetRowExpires(RowTag(n), m_edtExpire->Text());
@@ -338,16 +367,6 @@ void AlarmPanel::cmdDelete_Click()
     if (table.At(table.SelectedAlarm).Ringing || m_windows.AlarmWindow(table.SelectedAlarm))
         return;
     m_desk.DeleteAlarm(table.SelectedAlarm);
-    if (table.AlarmCount == 0) {
-        m_loadingEditor = true;
-        m_txtMessage->clear();
-        m_edtExpire->SetText(QString());
-        m_cmdSet->setText(QStringLiteral(" Set Alarm"));
-        m_chkSafety->setChecked(false);
-        m_chkRepeat->setChecked(false);
-        m_cmdCheckIn->setEnabled(false);
-        m_loadingEditor = false;
-    }
 }
 
 void AlarmPanel::cmdCheckIn_Click()
@@ -468,7 +487,7 @@ void AlarmPanel::chkSafety_Click()
     AlarmRecord& a = m_desk.Table().At(m_desk.Table().SelectedAlarm);
     a.Safety = m_chkSafety->isChecked() ? 1 : 0;
     if (m_chkSafety->isChecked()) {
-        m_cmdCheckIn->setEnabled(true);
+        m_cmdCheckIn->setEnabled(!m_editorLocked);
         m_chkRepeat->setChecked(true);
         m_optTimer->setChecked(true);
         m_edtExpire->SetText(m_preferences.Values().DefaultInterval);

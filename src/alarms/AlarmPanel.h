@@ -63,6 +63,7 @@ private:
     // Enables or disables the two sound choices (the sound switch is off).
     void SetSoundChoicesEnabled(bool enabled);
     bool Editing() const;
+    void ShowNoAlarm();
     // Why Set may not arm this alarm with the time box's text, when it may not.
     std::optional<QString> SetRefusal(const AlarmRecord& a, const QString& boxText) const;
     void SetNamedSound(const QString& path);
@@ -71,6 +72,7 @@ private:
     AlarmWindows& m_windows;
     const Preferences& m_preferences;
     bool m_loadingEditor = false;
+    bool m_editorLocked = false;
     AlarmListView* m_lstAlarms;
     QLineEdit* m_txtMessage;
     QRadioButton* m_optClock;

@@ -24,4 +24,9 @@ struct AlarmRecord
     quint64 Id = 0;
     QDateTime RangFor;
     int LateMinutes = 0;
+    // While a check-in window is open the alarm is withdrawn (AlarmSet false); what it was
+    // before is kept here, stored as the alarm, and given back if the check-in is called off.
+    bool CheckingIn = false;
+    bool PendingSet = false;
+    QString PendingExpire;
 };

@@ -28,8 +28,9 @@ const AlarmRecord& AlarmTable::At(int n) const
 int AlarmTable::SetCount() const
 {
     int count = 0;
+    // An alarm withdrawn while its crew checks in is still armed.
     for (int n = 1; n <= AlarmCount; ++n)
-        if (At(n).AlarmSet)
+        if (At(n).AlarmSet || (At(n).CheckingIn && At(n).PendingSet))
             ++count;
     return count;
 }
@@ -134,12 +135,16 @@ void AlarmTable::Save(SettingsStore& store) const
     store.Write(Section, QStringLiteral("Count"), QString::number(AlarmCount));
     for (int n = 1; n <= AlarmCount; ++n) {
         const AlarmRecord& a = At(n);
+        // An alarm whose crew is checking in is stored as the alarm it was before: a crash
+        // during the check-in must not lose it.
+        const bool set = a.CheckingIn ? a.PendingSet : a.AlarmSet;
+        const QString& expire = a.CheckingIn ? a.PendingExpire : a.Expire;
         store.Write(Section, AlarmKey(u"Message", n), a.Message);
         store.Write(Section, AlarmKey(u"TypeTimer", n), FormatBool(a.TypeTimer));
-        store.Write(Section, AlarmKey(u"Expire", n), a.Expire);
+        store.Write(Section, AlarmKey(u"Expire", n), expire);
         store.Write(Section, AlarmKey(u"Interval", n), a.Interval);
         store.Write(Section, AlarmKey(u"Repeat", n), QString::number(a.Repeat));
-        store.Write(Section, AlarmKey(u"AlarmSet", n), FormatBool(a.AlarmSet));
+        store.Write(Section, AlarmKey(u"AlarmSet", n), FormatBool(set));
         store.Write(Section, AlarmKey(u"AudioPath", n), a.AudioPath);
         store.Write(Section, AlarmKey(u"Safety", n), QString::number(a.Safety));
         store.Write(Section, AlarmKey(u"LastPosition", n), a.LastPosition);

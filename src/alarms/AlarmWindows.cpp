@@ -57,8 +57,12 @@ void AlarmWindows::StartCheckIn(int n)
 {
     auto* window = new frmAlarm(m_desk, *this, n, true);
     Track(window);
-    // The pending expiry is withdrawn while the operator reports.
-    m_desk.Table().At(n).AlarmSet = false;
+    // The pending expiry is withdrawn while the operator reports; what it was is kept.
+    AlarmRecord& a = m_desk.Table().At(n);
+    a.CheckingIn = true;
+    a.PendingSet = a.AlarmSet;
+    a.PendingExpire = a.Expire;
+    a.AlarmSet = false;
     m_desk.SetSelectedAlarm();
     window->show();
     m_desk.RefreshAlarmList();
@@ -96,12 +100,6 @@ QList<frmAlarm*> AlarmWindows::OpenAlarmWindows() const
         if (w)
             windows.append(w);
     return windows;
-}
-
-void AlarmWindows::RestorePendingCheckIns()
-{
-    for (frmAlarm* window : OpenAlarmWindows())
-        window->RestorePendingCheckIn();
 }
 
 void AlarmWindows::AlarmWindowClosed(frmAlarm* window)

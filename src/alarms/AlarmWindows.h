@@ -41,8 +41,6 @@ public:
     // The open window of alarm n, if any.
     frmAlarm* AlarmWindow(int n) const;
     QList<frmAlarm*> OpenAlarmWindows() const;
-    // The program is stopping: open check-ins give their alarms back as pending.
-    void RestorePendingCheckIns();
 
     // Services of the windows.
     void AlarmWindowClosed(frmAlarm* window);

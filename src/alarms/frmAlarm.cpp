@@ -24,8 +24,7 @@ frmAlarm::frmAlarm(AlarmDesk& desk, AlarmWindows& windows, int expirePtr, bool c
     : QWidget(parent,
               Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint),
       m_desk(desk), m_windows(windows), m_id(desk.Table().IdOf(expirePtr)),
-      m_setBeforeCheckIn(desk.Table().At(expirePtr).AlarmSet),
-      m_expireBeforeCheckIn(desk.Table().At(expirePtr).Expire), m_checkIn(checkIn), m_lblCaption(new QLabel),
+      m_checkInStarted(desk.WallMinuteNow()), m_checkIn(checkIn), m_lblCaption(new QLabel),
       m_lblMessage(new QLabel), m_lblExpired(new QLabel),
       m_lblLocation(new QLabel(QStringLiteral("Safety Check Location / Notes"))),
       m_txtLocation(new QLineEdit), m_cmdReset(new QPushButton(QStringLiteral("Reset to expire at 12:23"))),
@@ -237,6 +236,9 @@ void frmAlarm::cmdReset_Click()
         Answered(); // the alarm is gone: nothing is left to reset
         return;
     }
+    // A check-in resets from the expiry the alarm had (the list blanked it while withdrawn).
+    if (a->CheckingIn && a->Expire.trimmed().isEmpty())
+        a->Expire = a->PendingExpire;
     if (const auto refusal = ResetRefusal(*a)) {
         MessageBox::Notice(this, *refusal);
         return; // the window stays until the operator answers it
@@ -276,20 +278,25 @@ void frmAlarm::cmdStop_Click()
 void frmAlarm::Answered()
 {
     m_answered = true;
+    if (AlarmRecord* a = Record())
+        a->CheckingIn = false;
     m_desk.RefreshAlarmList();
     m_windows.RelayoutAlarmWindows();
     m_windows.AlarmAnswered();
     close();
 }
 
-void frmAlarm::RestorePendingCheckIn()
+void frmAlarm::CallOffCheckIn()
 {
-    if (!m_checkIn || m_answered)
+    AlarmRecord* a = Record();
+    if (!a || !a->CheckingIn)
         return;
-    if (AlarmRecord* a = Record()) {
-        a->AlarmSet = m_setBeforeCheckIn;
-        a->Expire = m_expireBeforeCheckIn;
-    }
+    a->AlarmSet = a->PendingSet;
+    a->Expire = a->PendingExpire;
+    a->CheckingIn = false;
+    // The alarm's time may have come while the crew was reporting: it rings now, late.
+    if (a->AlarmSet)
+        m_desk.RingIfPassed(ExpirePtr(), m_checkInStarted);
 }
 
 void frmAlarm::closeEvent(QCloseEvent* event)
@@ -305,9 +312,9 @@ void frmAlarm::closeEvent(QCloseEvent* event)
         m_closed = true;
         m_timer1.stop();
         m_tmrFlash.stop();
-        RestorePendingCheckIn();
         m_mmcAlarm->Stop();
         m_windows.AlarmWindowClosed(this);
+        CallOffCheckIn();
         m_desk.RefreshAlarmList();
         m_desk.SetSelectedAlarm();
         QWidget::closeEvent(event);

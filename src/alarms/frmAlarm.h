@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QTimer>
 #include <QWidget>
 
@@ -28,9 +29,6 @@ public:
     // The slot of this window's own alarm, wherever it moved; 0 once it was deleted.
     int ExpirePtr() const;
     bool CheckIn() const { return m_checkIn; }
-    // A check-in window not answered yet puts its alarm back as it was before the check-in
-    // (the program is stopping, and must store the alarm as still pending).
-    void RestorePendingCheckIn();
     // "70 minutes late"
     static QString LateText(int minutes);
 
@@ -49,14 +47,16 @@ private:
     void LoadWindow();
     void Answered();
     AlarmRecord* Record();
+    // The check-in is called off: the alarm is as it was, and rings now if its time came.
+    void CallOffCheckIn();
     // Why Reset may not re-arm the alarm, when it may not.
     static std::optional<QString> ResetRefusal(const AlarmRecord& a);
 
     AlarmDesk& m_desk;
     AlarmWindows& m_windows;
     quint64 m_id;
-    bool m_setBeforeCheckIn;
-    QString m_expireBeforeCheckIn;
+    // The wall-clock minute the check-in started.
+    QDateTime m_checkInStarted;
     bool m_checkIn;
     bool m_answered = false;
     bool m_blinkPhase = false;

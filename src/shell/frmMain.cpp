@@ -149,6 +149,11 @@ void frmMain::Report(const QString& message)
                                  message.section(u'\r', 0, 0), QString());
         return;
     }
+    // While the program stops, the windows are about to close: it is told once they have.
+    if (m_stopped) {
+        m_exitErrors << message;
+        return;
+    }
     // Shown without waiting: the minute's work (the next due alarm's window) goes on.
     MessageBox::NoticeLater(this, message);
 }

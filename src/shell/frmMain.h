@@ -137,6 +137,7 @@ private:
     bool m_stopped = false;
     bool m_closeQuestionOpen = false;
     bool m_endingQuietly = false;
+    QStringList m_exitErrors;
     bool m_synchronised = false;
     bool m_clockBeingSet = false;
     QDate m_lastDate;

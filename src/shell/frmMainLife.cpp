@@ -23,6 +23,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <cstdio>
 #include <exception>
 
 namespace {
@@ -71,6 +72,8 @@ bool frmMain::Load()
         if (!m_store.IsReadable())
             return unreadable();
         m_preferences->Replace(std::move(read.Values));
+        // From here the minutes count: one due while the start-up goes on rings at the first tick.
+        m_lastHandled = CorrectedMinute().addSecs(-60);
         // Messages of the start-up do not wait for an answer: the clock starts meanwhile.
         if (!m_store.IsWritable())
             MessageBox::NoticeLater(
@@ -158,8 +161,6 @@ bool frmMain::Load()
         SetTimes();
 
         step = 29;
-        // The minute of the start is handled by the first tick: an alarm due then rings.
-        m_lastHandled = CorrectedMinute().addSecs(-60);
         ArmTick();
         return true;
     } catch (const std::exception& e) {
@@ -351,9 +352,9 @@ void frmMain::StopProgram()
     values.LogOn = m_log->Switches().LogOn ? 1 : 0;
     values.LogSafetyOnly = m_log->Switches().SafetyOnly;
     WriteSettings(m_store, values);
-    // A check-in still open is stored as the pending alarm it was, not as called off.
-    m_alarmWindows->RestorePendingCheckIns();
+    // A check-in still open is stored as the pending alarm it was (the table does so).
     m_alarms->SaveAlarms();
+    m_alarms->Seal();
     m_log->CloseTodaysLog();
 
     // From here on nothing may keep the program alive: close every other window, the
@@ -366,6 +367,13 @@ void frmMain::StopProgram()
         QWidget* window = *it;
         if (window != this && window->isVisible())
             window->close();
+    }
+    // What failed while stopping is told now, when nothing else is open any more.
+    if (!m_exitErrors.isEmpty() && !m_endingQuietly) {
+        const QString errors = m_exitErrors.join(u'\r');
+        m_exitErrors.clear();
+        std::fprintf(stderr, "tarrowind: %s\n", qUtf8Printable(QString(errors).replace(u'\r', u' ')));
+        MessageBox::Notice(nullptr, errors);
     }
     // Nothing is saved after this: a window closed here was not answered, and what it
     // records (a location at the exit time) is no check-in.

@@ -121,6 +121,7 @@ void MessageBox::NoticeLater(QWidget* parent, const QString& text)
         return;
     }
     const QString shown = QString(text).replace(u'\r', u'\n');
+    OpenBoxes().removeAll(nullptr);
     for (const auto& open : OpenBoxes())
         if (open && open->text() == shown)
             return;

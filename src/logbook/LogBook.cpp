@@ -215,9 +215,11 @@ LogDay LogBook::ReadDay(QDate day, bool reopenWhenMissing)
     LogDay read;
     read.OpenError = OpenDayLog(day, read.Found);
     if (read.Found) {
-        LogDayRead entries = ReadLogDay(m_dayRead, day, m_locale);
+        read.Size = m_dayRead.size();
+        LogDayRead entries = ReadLogDay(m_dayRead, day, m_locale, MaxDayBytes);
         read.Entries = std::move(entries.Entries);
         read.SeenDates = std::move(entries.SeenDates);
+        read.Cut = entries.Cut;
     }
     CloseDayLog();
     if (today && (read.Found || reopenWhenMissing))

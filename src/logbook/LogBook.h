@@ -59,7 +59,14 @@ struct LogDay
     std::optional<QString> OpenError;      // the file exists but could not be opened
     QList<std::array<QString, 7>> Entries; // the entries of the day, in file order
     QList<QDate> SeenDates;                // every valid date met in the file's first field
+    qint64 Size = 0;                       // the file's size in bytes
+    bool Cut = false;                      // only the first MaxDayBytes of the file were read
 };
+
+// How much of a day's file is read for the viewer or a printout: about ten thousand
+// entries, a busy day's worth. A larger file (hostile or broken) is shown in part rather
+// than holding the window and the clock while it is read.
+inline constexpr qint64 MaxDayBytes = 1 << 20;
 
 // The daily log files in one folder, the open file of today, and the one writer of
 // entries with its two switches. Every failure is announced through Failed() (and, from

@@ -54,12 +54,16 @@ QByteArray LogViewFooter()
     return QByteArrayLiteral("\\par }\r\n");
 }
 
-LogDayRead ReadLogDay(QIODevice& file, QDate day, const QLocale& locale)
+LogDayRead ReadLogDay(QIODevice& file, QDate day, const QLocale& locale, qint64 maxBytes)
 {
     LogDayRead read;
     // Nearly every line of a day carries the same date text: read each text once.
     QHash<QString, std::optional<QDate>> dates;
     while (!file.atEnd()) {
+        if (maxBytes >= 0 && file.pos() >= maxBytes) {
+            read.Cut = true;
+            break;
+        }
         QString line = QString::fromUtf8(file.readLine());
         while (line.endsWith(u'\n') || line.endsWith(u'\r'))
             line.chop(1);

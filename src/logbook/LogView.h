@@ -28,11 +28,13 @@ struct LogDayRead
 {
     QList<LogFields> Entries; // the entries of the day, in file order
     QList<QDate> SeenDates;   // every valid date met in field 1, for the calendar
+    bool Cut = false;         // the file was longer than the bytes read
 };
 
 // Reads a day's log file: the entries whose first field is that day; lines whose first
-// field is not a date are skipped.
-LogDayRead ReadLogDay(QIODevice& file, QDate day, const QLocale& locale);
+// field is not a date are skipped. With `maxBytes` at or above 0, reading stops at the
+// first line that begins past that many bytes (Cut then tells).
+LogDayRead ReadLogDay(QIODevice& file, QDate day, const QLocale& locale, qint64 maxBytes = -1);
 
 // A printed entry line: the time, "--", then the three texts joined.
 QString LogPrintLine(const LogFields& fields);

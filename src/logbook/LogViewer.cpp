@@ -60,6 +60,9 @@ void LogViewer::RefreshLogView()
     QByteArray text = LogViewHeader();
     for (const LogFields& entry : read.Entries)
         text += LogViewEntry(entry);
+    if (read.Cut)
+        text += QByteArrayLiteral("\\par\\pard\\plain\\f0\\fs10 ") + CutNote(read.Size, u"shown").toUtf8() +
+                "\r\n";
     text += LogViewFooter();
     Mark(read.SeenDates);
 
@@ -86,5 +89,14 @@ LogViewer::PrintLines LogViewer::ReadPrintLines(QDate day)
     lines.OpenError = read.OpenError;
     for (const LogFields& entry : read.Entries)
         lines.Lines << LogPrintLine(entry);
+    if (read.Cut)
+        lines.Lines << CutNote(read.Size, u"printed");
     return lines;
+}
+
+QString LogViewer::CutNote(qint64 size, QStringView what) const
+{
+    return QStringLiteral("(This day's log is ") + m_locale.toString(size) +
+           QStringLiteral(" bytes long: only its first ") + m_locale.toString(MaxDayBytes) +
+           QStringLiteral(" bytes are ") + what + QStringLiteral(".)");
 }

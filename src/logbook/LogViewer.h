@@ -52,6 +52,8 @@ signals:
 
 private:
     void Mark(const QList<QDate>& days);
+    // The line that says a day's file was too large to read whole.
+    QString CutNote(qint64 size, QStringView what) const;
 
     LogBook& m_log;
     const Clock& m_clock;

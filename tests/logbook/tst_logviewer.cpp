@@ -193,6 +193,38 @@ private slots:
         QVERIFY(v.desk.log.IsTodaysLogOpen());
     }
 
+    void dayTooLargeToReadWholeIsShownAndPrintedInPartWithANote()
+    {
+        Viewer v;
+        // A hundred megabytes of entries for the 16th: far more than any day's work.
+        const QByteArray line = Owners::Line("08:00", "NT", 0, "Entry: ", "one of many", " (x)");
+        const qint64 lines = (qint64(100) << 20) / line.size() + 1;
+        {
+            QFile big(v.desk.LogPath(Owners::Monday));
+            QVERIFY(big.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            const QByteArray block = line.repeated(10000);
+            for (qint64 written = 0; written < lines; written += 10000)
+                QVERIFY(big.write(block) == block.size());
+        }
+        const qint64 size = QFileInfo(v.desk.LogPath(Owners::Monday)).size();
+        QVERIFY(size >= (qint64(100) << 20));
+        v.Bar()->setValue(-1);
+        QCOMPARE(v.desk.Viewer().LogBookDate(), Owners::Monday);
+        const QString text = v.Text();
+        const QString note = QStringLiteral("(This day's log is ") + Owners::EnUs.toString(size) +
+                             QStringLiteral(" bytes long: only its first 1,048,576 bytes are shown.)");
+        QVERIFY2(text.endsWith(note), qPrintable(text.right(200)));
+        const qsizetype shown = text.count(QStringLiteral("08:00--Entry: one of many (x)"));
+        QVERIFY(shown > 0);
+        QVERIFY(shown <= (1 << 20) / line.size() + 1);
+
+        const LogViewer::PrintLines print = v.desk.viewer.ReadPrintLines(Owners::Monday);
+        QCOMPARE(print.Lines.size(), shown + 1);
+        QCOMPARE(print.Lines.last(),
+                 QString(note).replace(QStringLiteral("shown"), QStringLiteral("printed")));
+        QVERIFY(QFile::remove(v.desk.LogPath(Owners::Monday)));
+    }
+
     void loggingSwitchTurnsTheWriterOffAndDisablesTheChoices()
     {
         Viewer v;

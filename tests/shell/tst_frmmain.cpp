@@ -769,6 +769,81 @@ private slots:
         QVERIFY(desk.Viewer().MarkedLogDays().size() == 1); // today's file is opened after the marking
     }
 
+    void settingsFileThatCannotBeReadWholeIsLeftAsItWas_data()
+    {
+        QTest::addColumn<QString>("fixture");
+        QTest::addColumn<QString>("message");
+        const QString unreadable = QStringLiteral(
+            "it is not a settings file that can be read whole (a line without \"=\", a byte-order mark or "
+            "binary data)");
+        QTest::newRow("a line without =") << "note-line.ini" << unreadable;
+        QTest::newRow("a byte-order mark") << "byte-order-mark.ini" << unreadable;
+        QTest::newRow("binary data") << "binary.ini" << unreadable;
+        QTest::newRow("a word for true or false")
+            << "alarmset-word.ini"
+            << "The stored setting \"AlarmSet 1\" in section \"Alarms\" has the value \"yes\", which cannot "
+               "be read.";
+    }
+
+    void settingsFileThatCannotBeReadWholeIsLeftAsItWas()
+    {
+        QFETCH(QString, fixture);
+        QFETCH(QString, message);
+        QFile source(QStringLiteral(TW_TEST_DATA "/settings/") + fixture);
+        QVERIFY(source.open(QIODevice::ReadOnly));
+        const QByteArray bytes = source.readAll();
+        {
+            Desk desk;
+            TestEnvironment::WriteFile(desk.env.SettingsFile(), bytes);
+            SettingsStore store(desk.env.SettingsFile());
+            PlatformServices platform = Desk::FakePlatform(desk.flash);
+            frmMain window({desk.clock, store, desk.env.LogFolder(), Desk::EnUs, desk.SoundFolders(),
+                            desk.SoundFactory(), platform});
+            QVERIFY(!window.Load());
+            const auto shown = MessageBox::Shown();
+            QCOMPARE(shown.size(), 1);
+            QVERIFY2(shown[0].Text.contains(message), qPrintable(shown[0].Text));
+            QVERIFY(shown[0].Text.endsWith(
+                        QStringLiteral("Tarrowind will close and leave the file unchanged.")) ||
+                    shown[0].Text.endsWith(
+                        QStringLiteral("Tarrowind will close and leave the stored settings unchanged.")));
+            QCOMPARE(TestEnvironment::ReadFile(desk.env.SettingsFile()), bytes);
+        }
+    }
+
+    void settingsWrittenInLatin1AreReadAsWritten()
+    {
+        QFile source(QStringLiteral(TW_TEST_DATA "/settings/latin1.ini"));
+        QVERIFY(source.open(QIODevice::ReadOnly));
+        Desk desk(source.readAll());
+        QVERIFY(desk.window->Load());
+        QCOMPARE(desk.window->Prefs().Values().SyncSite, QStringLiteral("caf\u00e9.example"));
+        QCOMPARE(desk.Alarms().At(1).Message, QStringLiteral("Caf\u00e9 on the ridge"));
+    }
+
+    void settingsThatCannotBeWrittenAreToldOnceAndTheExitDoesNotHang()
+    {
+        Desk desk(TwoAlarmsOneSet);
+        // The folder of the settings file is taken by a file: nothing can be written there.
+        QFile::remove(desk.env.SettingsFile());
+        QVERIFY(QDir(desk.env.ConfigFolder()).removeRecursively());
+        TestEnvironment::WriteFile(desk.env.ConfigFolder(), "not a folder");
+        QVERIFY(desk.window->Load());
+        desk.window->CheckAlarms(10, 15); // a quarter hour: the alarms are saved, and cannot be
+        desk.window->CheckAlarms(10, 30);
+        const auto told = [] {
+            return std::count_if(
+                MessageBox::Shown().cbegin(), MessageBox::Shown().cend(), [](const MessageBox::Request& r) {
+                    return r.Text.startsWith(QStringLiteral("The settings file cannot be written: "));
+                });
+        };
+        QCOMPARE(told(), 1);
+        MessageBox::SetNextAnswer(MessageBox::Answer::Yes);
+        QVERIFY(desk.window->close());
+        QVERIFY(desk.window->IsStopped());
+        QCOMPARE(told(), 1);
+    }
+
     void logOpenFailureIsReportedOnceAndTheWritesAfterItAreNotReportedAgain()
     {
         Desk desk(LogAllEvents);

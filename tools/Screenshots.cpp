@@ -121,6 +121,18 @@ int main(int argc, char* argv[])
     alarm->cmdReset_Click();
     QApplication::processEvents();
 
+    // The machine slept from 10:15 to 11:27: the two alarms due meanwhile ring at once and say
+    // how late they are.
+    clock.At = QDateTime(QDate(2026, 11, 16), QTime(11, 27, 5));
+    window.tmrMain_Timer();
+    frmAlarm* late = window.Windows().AlarmWindow(2);
+    if (!late)
+        return 1;
+    ok = Save(late, out.filePath(QStringLiteral("alarm-window-late.png"))) && ok;
+    for (frmAlarm* open : window.Windows().OpenAlarmWindows())
+        open->cmdReset_Click();
+    QApplication::processEvents();
+
     // The logbook panel with the day's entries and the calendar open.
     window.stsBar_PanelClick(QStringLiteral("Log"));
     window.findChild<QPushButton*>(QStringLiteral("cmdCalendar"))->click();

@@ -24,3 +24,5 @@ struct PlatformServices
 
 // The services of this system; where a service is not built yet for this system, its Null one.
 PlatformServices CreatePlatformServices();
+// Every service's Null one (they do nothing): the base of each system's set.
+PlatformServices NullPlatformServices();

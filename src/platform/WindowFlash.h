@@ -14,3 +14,10 @@ public:
 
     static std::unique_ptr<WindowFlash> Create();
 };
+
+// Draws no attention: for a system without a way to, and for tests.
+class NullWindowFlash final : public WindowFlash
+{
+public:
+    void Flash(QWidget*) override {}
+};

@@ -1,14 +1,9 @@
 #include "platform/PlatformServices.h"
 
+// The window flash is X11's; the other services are not built for Linux yet.
 PlatformServices CreatePlatformServices()
 {
-    PlatformServices services;
+    PlatformServices services = NullPlatformServices();
     services.flash = WindowFlash::Create();
-    services.clockSetter = std::make_unique<NullClockSetter>();
-    services.clockChange = std::make_unique<NullClockChangeWatch>();
-    services.suspend = std::make_unique<NullSuspendWatch>();
-    services.startAtLogin = std::make_unique<NullStartAtLogin>();
-    services.dialUp = std::make_unique<NullDialUpState>();
-    services.notifier = std::make_unique<NullDesktopNotifier>();
     return services;
 }

@@ -68,7 +68,14 @@ public:
     void Stop()
     {
         m_stopped = true;
-        m_saveFailing = false;
+        m_saveFailing = m_storeKnownUnwritable;
+    }
+    // The operator was told at start-up that the store cannot be written: saves that fail
+    // are not told again.
+    void StoreKnownUnwritable()
+    {
+        m_storeKnownUnwritable = true;
+        m_saveFailing = true;
     }
     // The last save was made: no later save reaches the store.
     void Seal() { m_sealed = true; }
@@ -107,4 +114,5 @@ private:
     bool m_stopped = false;
     bool m_saveFailing = false;
     bool m_sealed = false;
+    bool m_storeKnownUnwritable = false;
 };

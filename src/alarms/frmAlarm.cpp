@@ -24,7 +24,9 @@ frmAlarm::frmAlarm(AlarmDesk& desk, AlarmWindows& windows, int expirePtr, bool c
     : QWidget(parent,
               Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint),
       m_desk(desk), m_windows(windows), m_id(desk.Table().IdOf(expirePtr)),
-      m_checkInStarted(desk.WallMinuteNow()), m_checkIn(checkIn), m_lblCaption(new QLabel),
+      // The minute before: the check-in may open in its alarm's own minute before the tick
+      // that would have rung it.
+      m_checkInStarted(desk.WallMinuteNow().addSecs(-60)), m_checkIn(checkIn), m_lblCaption(new QLabel),
       m_lblMessage(new QLabel), m_lblExpired(new QLabel),
       m_lblLocation(new QLabel(QStringLiteral("Safety Check Location / Notes"))),
       m_txtLocation(new QLineEdit), m_cmdReset(new QPushButton(QStringLiteral("Reset to expire at 12:23"))),

@@ -9,6 +9,9 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+#include <cerrno>
+#include <cstring>
+
 QString LogDateFormat(const QLocale& locale)
 {
     QString format = locale.dateFormat(QLocale::ShortFormat);
@@ -172,12 +175,19 @@ std::optional<QString> LogBook::WriteLogEntry(const QString& code, qint16 safety
     const qint64 before = m_today.size();
     if (m_startOnNewLine)
         line.prepend("\r\n");
+    errno = 0;
     if (m_today.write(line) != line.size() || !SyncFileToDisk(m_today)) {
-        const QString message = ErrorText(fixedText, int(m_today.error()), m_today.errorString());
+        // A write cut short leaves no error in the file object: the system's says why.
+        const int cause = errno;
+        const QString message =
+            m_today.error() != QFileDevice::NoError || cause == 0
+                ? ErrorText(fixedText, int(m_today.error()), m_today.errorString())
+                : ErrorText(fixedText, cause, QString::fromLocal8Bit(std::strerror(cause)));
         // What part of the entry reached the file is taken back: the log never ends in a
         // torn line, and the next entry starts on a line of its own.
         m_today.unsetError();
-        m_today.resize(before);
+        if (!m_today.resize(before))
+            m_startOnNewLine = true; // could not be taken back: the next entry starts a line
         m_today.unsetError();
         return Report(message);
     }

@@ -64,7 +64,13 @@ LogDayRead ReadLogDay(QIODevice& file, QDate day, const QLocale& locale, qint64 
             read.Cut = true;
             break;
         }
-        QString line = QString::fromUtf8(file.readLine());
+        // A line is read up to the limit too: one endless line must not be read whole.
+        const QByteArray bytes = maxBytes >= 0 ? file.readLine(maxBytes - file.pos() + 1) : file.readLine();
+        if (maxBytes >= 0 && !bytes.endsWith('\n') && !file.atEnd()) {
+            read.Cut = true;
+            break;
+        }
+        QString line = QString::fromUtf8(bytes);
         while (line.endsWith(u'\n') || line.endsWith(u'\r'))
             line.chop(1);
         const auto fields = SplitLogLine(line);

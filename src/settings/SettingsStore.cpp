@@ -89,8 +89,9 @@ QString SettingsStore::Problem() const
 bool SettingsStore::IsWritable() const
 {
     const QFileInfo file(m_settings->fileName());
+    // The store writes a new file beside the old one and renames it: the folder must let it.
     if (file.exists())
-        return file.isFile() && file.isWritable();
+        return file.isFile() && file.isWritable() && QFileInfo(file.absolutePath()).isWritable();
     // The folders that do not exist yet are made when the file is first written.
     QFileInfo folder(file.absolutePath());
     while (!folder.exists() && !folder.isRoot())
@@ -123,6 +124,14 @@ QString SettingsStore::Read(const QString& section, const QString& key, const QS
 
 void SettingsStore::Write(const QString& section, const QString& key, const QString& value)
 {
+    // The file is written from what was read from the converted copy, so that the keys
+    // the program does not write itself keep their text too.
+    if (m_reader && !m_adopted) {
+        m_settings->clear();
+        for (const QString& each : m_reader->allKeys())
+            m_settings->setValue(each, m_reader->value(each));
+        m_adopted = true;
+    }
     m_settings->setValue(FullKey(section, key), value);
     if (m_reader)
         m_reader->setValue(FullKey(section, key), value);

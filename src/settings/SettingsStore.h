@@ -44,4 +44,5 @@ private:
     // Where the file is not UTF-8: a converted copy that the values are read from.
     std::unique_ptr<QTemporaryFile> m_copy;
     std::unique_ptr<QSettings> m_reader;
+    bool m_adopted = false;
 };

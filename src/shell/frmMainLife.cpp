@@ -75,11 +75,14 @@ bool frmMain::Load()
         // From here the minutes count: one due while the start-up goes on rings at the first tick.
         m_lastHandled = CorrectedMinute().addSecs(-60);
         // Messages of the start-up do not wait for an answer: the clock starts meanwhile.
-        if (!m_store.IsWritable())
+        if (!m_store.IsWritable()) {
+            // Told once: the saves that fail from now on are not told again.
+            m_alarms->StoreKnownUnwritable();
             MessageBox::NoticeLater(
                 this, QStringLiteral("The settings file cannot be written: ") + m_store.FileName() + u'\r' +
                           QStringLiteral("Settings and alarms changed from now on will not "
                                          "be kept when Tarrowind ends."));
+        }
 
         step = 6;
         if (m_alarmWindows->DefaultSoundFile().isEmpty()) {

@@ -5,6 +5,9 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <cerrno>
+#include <cstring>
+
 namespace {
 const QLocale EnUs(QLocale::English, QLocale::UnitedStates);
 } // namespace
@@ -48,6 +51,9 @@ private slots:
         entry(QStringLiteral("another entry that cannot be written either"));
         QCOMPARE(failed.size(), 1); // reported once while it keeps failing
         QVERIFY(failed.at(0).at(0).toString().startsWith(QStringLiteral("Error writing to the logbook\r\r")));
+        // The message says what went wrong, even for a write that was cut short.
+        QVERIFY2(failed.at(0).at(0).toString().endsWith(QString::fromLocal8Bit(std::strerror(ENOSPC))),
+                 qPrintable(failed.at(0).at(0).toString()));
         QCOMPARE(QFileInfo(path).size(), before); // nothing torn is left behind
 
         // Room again: the next entry is written whole, on a line of its own.

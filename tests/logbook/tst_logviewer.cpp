@@ -225,6 +225,21 @@ private slots:
         QVERIFY(QFile::remove(v.desk.LogPath(Owners::Monday)));
     }
 
+    void dayOfOneEndlessLineIsCutToo()
+    {
+        Viewer v;
+        {
+            QFile big(v.desk.LogPath(Owners::Monday));
+            QVERIFY(big.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            const QByteArray block(1 << 20, 'x');
+            for (int i = 0; i < 8; ++i)
+                QVERIFY(big.write(block) == block.size()); // 8 MiB and no line end
+        }
+        v.Bar()->setValue(-1);
+        QVERIFY2(v.Text().endsWith(QStringLiteral(" bytes are shown.)")), qPrintable(v.Text().right(100)));
+        QVERIFY(QFile::remove(v.desk.LogPath(Owners::Monday)));
+    }
+
     void loggingSwitchTurnsTheWriterOffAndDisablesTheChoices()
     {
         Viewer v;

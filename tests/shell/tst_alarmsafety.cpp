@@ -72,6 +72,23 @@ private slots:
         QVERIFY(desk.Windows().AlarmWindow(1));
     }
 
+    void checkInOpenedInItsAlarmsMinuteBeforeItsTickRingsWhenCalledOff()
+    {
+        Desk desk(Safety15);
+        desk.clock.Set(Desk::Monday, QTime(10, 14, 50));
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.Tick(QTime(10, 14, 59, 600));
+        desk.clock.Set(Desk::Monday, QTime(10, 15, 0, 100)); // before the tick of 10:15
+        desk.Windows().StartCheckIn(1);
+        QPointer<frmAlarm> w = desk.Windows().AlarmWindow(1);
+        desk.Tick(QTime(10, 15, 0, 500));
+        desk.Tick(QTime(10, 16, 0, 0));
+        CloseFromFrame(w);
+        QTRY_VERIFY(!w);
+        QCOMPARE(Rang(desk), 1);
+    }
+
     void alarmSetAgainAfterTheClockWentBackRingsAtItsTime()
     {
         Desk desk(Ini("Count=1\nMessage%201=Retained\nExpire%201=10:15\nAlarmSet%201=True\nRepeat%201=1\n"));

@@ -821,6 +821,26 @@ private slots:
         QCOMPARE(desk.Alarms().At(1).Message, QStringLiteral("Caf\u00e9 on the ridge"));
     }
 
+    void settingsWrittenInLatin1KeepEveryKeyWhenWrittenBack()
+    {
+        Desk desk("[General]\nLogOn=1\nNote=na\xefve\nLead=Zo\xe9\n[Sect\xe9]\nK\xe9y=\xe9t\xe9\n[Alarms]"
+                  "\nCount=1\n"
+                  "Message%201=Caf\xe9\nExpire%201=10:15\nAlarmSet%201=True\nMessage%203=Old \xe9t\xe9\n");
+        QVERIFY(desk.window->Load());
+        MessageBox::SetNextAnswer(MessageBox::Answer::Yes);
+        QVERIFY(desk.window->close());
+        const QByteArray written = TestEnvironment::ReadFile(desk.env.SettingsFile());
+        QVERIFY2(!written.contains("\xef\xbf\xbd") && !written.contains("UFFFD"), written.constData());
+        QSettings back(desk.env.SettingsFile(), QSettings::IniFormat);
+        QCOMPARE(back.value(QStringLiteral("Note")).toString(), QStringLiteral("na\u00efve"));
+        QCOMPARE(back.value(QStringLiteral("Lead")).toString(), QStringLiteral("Zo\u00e9"));
+        QCOMPARE(back.value(QStringLiteral("Sect\u00e9/K\u00e9y")).toString(),
+                 QStringLiteral("\u00e9t\u00e9"));
+        QCOMPARE(back.value(QStringLiteral("Alarms/Message 1")).toString(), QStringLiteral("Caf\u00e9"));
+        QCOMPARE(back.value(QStringLiteral("Alarms/Message 3")).toString(),
+                 QStringLiteral("Old \u00e9t\u00e9"));
+    }
+
     void settingsThatCannotBeWrittenAreToldOnceAndTheExitDoesNotHang()
     {
         Desk desk(TwoAlarmsOneSet);
@@ -842,6 +862,11 @@ private slots:
         QVERIFY(desk.window->close());
         QVERIFY(desk.window->IsStopped());
         QCOMPARE(told(), 1);
+        // Nor is any failed save told again: the operator knows already.
+        QVERIFY(std::none_of(MessageBox::Shown().cbegin(), MessageBox::Shown().cend(),
+                             [](const MessageBox::Request& r) {
+                                 return r.Text.contains(QStringLiteral("Error saving the alarms"));
+                             }));
     }
 
     void logOpenFailureIsReportedOnceAndTheWritesAfterItAreNotReportedAgain()

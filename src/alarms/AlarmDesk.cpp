@@ -67,6 +67,8 @@ void AlarmDesk::CalcExpire(const QString& etime, int ptr)
         m_alarms.At(ptr).Expire = *expire;
         // A new expiry: whatever the alarm rang for before does not hold it back.
         m_alarms.At(ptr).RangFor = QDateTime();
+        if (const auto minutes = IntervalMinutes(etime))
+            m_alarms.At(ptr).DueAt = InternetDateTimeNow().addSecs(qint64(*minutes) * 60).toUTC();
         emit ExpiryChanged(ptr);
     }
 }
@@ -124,6 +126,10 @@ AlarmDesk::Step AlarmDesk::RingIfDue(int& n, const QDateTime& from, const QDateT
     const auto at = LastInstance(due.Expire, from, to);
     // The same expiry (the same date and minute on the wall) rings once.
     if (!at || due.RangFor == *at)
+        return Step::Quiet;
+    // A timer whose moment has not come yet waits, though the wall shows its minute (the
+    // first pass of a repeated hour).
+    if (due.DueAt.isValid() && InternetDateTimeNow().toUTC().secsTo(due.DueAt) >= 60)
         return Step::Quiet;
     due.RangFor = *at;
     due.LateMinutes = int(at->secsTo(to) / 60);

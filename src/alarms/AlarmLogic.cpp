@@ -55,6 +55,7 @@ void DeleteAlarm(AlarmTable& table, int ptr)
         to.Ringing = from.Ringing;
         to.Id = from.Id;
         to.RangFor = from.RangFor;
+        to.DueAt = from.DueAt;
         to.LateMinutes = from.LateMinutes;
         to.CheckingIn = from.CheckingIn;
         to.PendingSet = from.PendingSet;
@@ -73,6 +74,7 @@ void DeleteAlarm(AlarmTable& table, int ptr)
     last.Ringing = false;
     last.Id = 0;
     last.RangFor = QDateTime();
+    last.DueAt = QDateTime();
     last.LateMinutes = 0;
     last.CheckingIn = false;
     last.PendingSet = false;

@@ -321,6 +321,7 @@ void AlarmPanel::cmdSet_Click()
             }
             a.AlarmSet = true;
             a.RangFor = QDateTime(); // armed anew: it rings at this time even if it rang there before
+            a.DueAt = QDateTime();   // a timer's moment is set below, a clock time has none
             if (!a.TypeTimer) {
                 a.Expire = TimeText(m_edtExpire->Text());
                 m_lstAlarms->SetRowExpires(RowTag(n), m_edtExpire->Text());

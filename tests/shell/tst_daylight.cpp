@@ -2,6 +2,10 @@
 #include "alarms/frmAlarm.h"
 #include "widgets/MessageBox.h"
 
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QPushButton>
+
 namespace {
 
 // The local time of an instant given in UTC (this test runs with TZ=America/Los_Angeles).
@@ -64,6 +68,29 @@ private slots:
         QCOMPARE(RangCount(desk, "At one\""), 1);
         QCOMPARE(RangCount(desk, "At half past one"), 1);
         QCOMPARE(RangCount(desk, "At one fifty-nine"), 1);
+    }
+
+    void timerAcrossTheAutumnChangeRingsAfterItsIntervalNotAnHourEarly()
+    {
+        Desk desk("[General]\nLogOn=1\nLogSafetyOnly=False\nDefaultInterval=01:30\n");
+        desk.clock.Set(LocalAt("2026-11-01T07:45:00Z")); // 00:45 daylight time
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.ClickPanel(QStringLiteral("Alarm"));
+        desk.Find<QPushButton>(QStringLiteral("cmdNew"))->click();
+        desk.Find<QLineEdit>(QStringLiteral("txtMessage"))->setText(QStringLiteral("Crew 7"));
+        desk.Find<QCheckBox>(QStringLiteral("chkSafety"))->click(); // a timer of 01:30
+        desk.Find<QPushButton>(QStringLiteral("cmdSet"))->click();
+        QCOMPARE(desk.Alarms().At(1).Expire, QStringLiteral("01:15")); // 01:15 standard time
+        int rangAtMinute = -1;
+        for (int minute = 0; minute <= 100 && rangAtMinute < 0; ++minute) {
+            desk.clock.Set(LocalAt("2026-11-01T07:45:00Z").addSecs(60 * minute));
+            desk.window->tmrMain_Timer();
+            if (!desk.Windows().OpenAlarmWindows().isEmpty())
+                rangAtMinute = minute;
+        }
+        QCOMPARE(rangAtMinute, 90);
+        QCOMPARE(desk.clock.Now().offsetFromUtc(), -8 * 3600);
     }
 
     void skippedHourOfTheSpringChangeRingsItsAlarmsAtTheChangeLate()

@@ -1,0 +1,220 @@
+#include "ManualClock.h"
+#include "sync/SntpClient.h"
+
+#include <QSignalSpy>
+#include <QUdpSocket>
+#include <QtEndian>
+#include <QtTest>
+
+#include <functional>
+
+namespace {
+
+const QDateTime Local(QDate(2026, 11, 16), QTime(10, 0, 0), Qt::UTC);
+
+// A time server on 127.0.0.1 that answers each request with what `answer` makes of it
+// (nothing when it returns an empty packet), from its own port or from a second socket.
+class FakeServer : public QObject
+{
+public:
+    using Answer = std::function<QByteArray(const QByteArray& request)>;
+    explicit FakeServer(Answer answer, bool fromAnotherPort = false)
+        : m_answer(std::move(answer)), m_fromAnotherPort(fromAnotherPort)
+    {
+        QVERIFY(m_socket.bind(QHostAddress::LocalHost, 0));
+        QVERIFY(m_other.bind(QHostAddress::LocalHost, 0));
+        connect(&m_socket, &QUdpSocket::readyRead, this, [this] {
+            while (m_socket.hasPendingDatagrams()) {
+                QByteArray request(int(m_socket.pendingDatagramSize()), '\0');
+                QHostAddress from;
+                quint16 port = 0;
+                m_socket.readDatagram(request.data(), request.size(), &from, &port);
+                ++Requests;
+                LastRequest = request;
+                const QByteArray reply = m_answer(request);
+                if (!reply.isEmpty())
+                    (m_fromAnotherPort ? m_other : m_socket).writeDatagram(reply, from, port);
+            }
+        });
+    }
+    QString Site() const { return QStringLiteral("127.0.0.1:") + QString::number(m_socket.localPort()); }
+    int Requests = 0;
+    QByteArray LastRequest;
+
+private:
+    Answer m_answer;
+    bool m_fromAnotherPort;
+    QUdpSocket m_socket;
+    QUdpSocket m_other;
+};
+
+// A good reply to `request`: the server's clock `ahead` of the local one, taking `hold` ms.
+QByteArray Reply(const QByteArray& request, qint64 aheadMs, int leap = 0, int version = 4, int mode = 4,
+                 int stratum = 2, qint64 holdMs = 0)
+{
+    QByteArray reply(48, '\0');
+    reply[0] = char((leap << 6) | (version << 3) | mode);
+    reply[1] = char(stratum);
+    const quint64 receive = ToNtpTime(Local.addMSecs(aheadMs));
+    const quint64 transmit = ToNtpTime(Local.addMSecs(aheadMs + holdMs));
+    std::memcpy(reply.data() + 24, request.constData() + 40, 8); // originate = our transmit
+    qToBigEndian(receive, reply.data() + 32);
+    qToBigEndian(transmit, reply.data() + 40);
+    return reply;
+}
+
+SntpResult Ask(FakeServer& server, ManualClock& clock, int timeoutMsec = 3000)
+{
+    SntpClient client(clock);
+    QSignalSpy done(&client, &SntpClient::Done);
+    client.Start(server.Site(), timeoutMsec);
+    if (!done.wait(timeoutMsec + 2000))
+        return {};
+    return done.at(0).at(0).value<SntpResult>();
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(SntpResult)
+
+// The client against a server of its own on this machine: good replies give the offset to
+// the millisecond, and every malformed or hostile one is refused with its own text.
+class TestSntpClient : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase() { qRegisterMetaType<SntpResult>(); }
+
+    void ntpTimesConvertBothWays()
+    {
+        const QDateTime t(QDate(2026, 11, 16), QTime(10, 15, 30, 250), Qt::UTC);
+        QCOMPARE(FromNtpTime(ToNtpTime(t)), t);
+        QCOMPARE(ToNtpTime(QDateTime(QDate(1970, 1, 1), QTime(0, 0), Qt::UTC)) >> 32, quint64(2208988800U));
+    }
+
+    void goodReplyGivesTheOffsetToTheMillisecond()
+    {
+        ManualClock clock(Local);
+        FakeServer server([](const QByteArray& request) { return Reply(request, 7 * 60 * 1000 + 250); });
+        const SntpResult result = Ask(server, clock);
+        QCOMPARE(result.ErrorCode, int(SntpResult::Ok));
+        QCOMPARE(result.OffsetMs, qint64(7 * 60 * 1000 + 250));
+        QCOMPARE(result.ServerTime, Local.addMSecs(7 * 60 * 1000 + 250));
+        QCOMPARE(result.DelayMs, qint64(0));
+        // One client-mode request, version 4, with a transmit timestamp that is not the time.
+        QCOMPARE(server.Requests, 1);
+        QCOMPARE(server.LastRequest.size(), 48);
+        QCOMPARE(quint8(server.LastRequest[0]) & 7, 3);
+        QCOMPARE((quint8(server.LastRequest[0]) >> 3) & 7, 4);
+        QVERIFY(qFromBigEndian<quint64>(server.LastRequest.constData() + 40) != ToNtpTime(Local));
+    }
+
+    void hostileRepliesAreRefusedEachWithItsOwnText_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("wrong mode") << 0 << int(SntpResult::NotAServerReply)
+                                    << "The answer is not a time server's reply (mode 3).";
+        QTest::newRow("stratum 0 RATE") << 1 << int(SntpResult::KissOfDeath)
+                                        << "The time server refused to give the time (kiss code RATE).";
+        QTest::newRow("leap 3") << 2 << int(SntpResult::ServerNotSynchronised)
+                                << "The time server's own clock is not synchronised.";
+        QTest::newRow("wrong originate")
+            << 3 << int(SntpResult::NotOurRequest) << "The reply does not answer our request.";
+        QTest::newRow("zero transmit")
+            << 4 << int(SntpResult::NoTransmitTime) << "The time server's reply carries no time.";
+        QTest::newRow("short packet")
+            << 5 << int(SntpResult::ShortReply) << "The time server's reply is too short (47 bytes).";
+        QTest::newRow("version 5") << 6 << int(SntpResult::BadVersion)
+                                   << "The time server answered in an unknown version (5).";
+        QTest::newRow("stratum 16") << 7 << int(SntpResult::BadStratum)
+                                    << "The time server's stratum is out of range (16).";
+    }
+
+    void hostileRepliesAreRefusedEachWithItsOwnText()
+    {
+        QFETCH(int, kind);
+        QFETCH(int, code);
+        QFETCH(QString, text);
+        ManualClock clock(Local);
+        FakeServer server([kind](const QByteArray& request) {
+            QByteArray reply = Reply(request, 60000);
+            switch (kind) {
+            case 0:
+                return Reply(request, 60000, 0, 4, 3);
+            case 1:
+                reply[1] = 0;
+                std::memcpy(reply.data() + 12, "RATE", 4);
+                return reply;
+            case 2:
+                return Reply(request, 60000, 3);
+            case 3:
+                reply[24] = char(reply[24] ^ 1);
+                return reply;
+            case 4:
+                std::memset(reply.data() + 40, 0, 8);
+                return reply;
+            case 5:
+                return reply.left(47);
+            case 6:
+                return Reply(request, 60000, 0, 5);
+            default:
+                return Reply(request, 60000, 0, 4, 4, 16);
+            }
+        });
+        const SntpResult result = Ask(server, clock);
+        QCOMPARE(result.ErrorCode, code);
+        QCOMPARE(result.Error, text);
+        QVERIFY(!result.ServerTime.isValid());
+    }
+
+    void replyFromAnotherPortIsNotTaken()
+    {
+        ManualClock clock(Local);
+        FakeServer server([](const QByteArray& request) { return Reply(request, 60000); }, true);
+        const SntpResult result = Ask(server, clock, 800);
+        QCOMPARE(result.ErrorCode, int(SntpResult::WrongSender));
+        QCOMPARE(result.Error,
+                 QStringLiteral("The only answer came from another address or port than the time server's."));
+    }
+
+    void noReplyEndsWithItsOwnText()
+    {
+        ManualClock clock(Local);
+        FakeServer server([](const QByteArray&) { return QByteArray(); });
+        const SntpResult result = Ask(server, clock, 500);
+        QCOMPARE(result.ErrorCode, int(SntpResult::NoReply));
+        QCOMPARE(result.Error, QStringLiteral("The time server did not answer."));
+        QCOMPARE(server.Requests, 1);
+    }
+
+    void unknownHostEndsWithItsOwnText()
+    {
+        ManualClock clock(Local);
+        SntpClient client(clock);
+        QSignalSpy done(&client, &SntpClient::Done);
+        client.Start(QStringLiteral("no-such-host.invalid"), 5000);
+        QVERIFY(done.wait(10000));
+        const SntpResult result = done.at(0).at(0).value<SntpResult>();
+        QCOMPARE(result.ErrorCode, int(SntpResult::HostNotFound));
+        QCOMPARE(result.Error,
+                 QStringLiteral("The time server's name could not be found: no-such-host.invalid"));
+    }
+
+    void cancelledQueryEndsWithoutAnAnswer()
+    {
+        ManualClock clock(Local);
+        FakeServer server([](const QByteArray& request) { return Reply(request, 60000); });
+        SntpClient client(clock);
+        QSignalSpy done(&client, &SntpClient::Done);
+        client.Start(server.Site(), 2000);
+        client.Cancel();
+        QVERIFY(!client.IsRunning());
+        QTest::qWait(300);
+        QCOMPARE(done.size(), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSntpClient)
+#include "tst_sntpclient.moc"

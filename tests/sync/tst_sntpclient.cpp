@@ -1,4 +1,5 @@
 #include "ManualClock.h"
+#include "clock/Clock.h"
 #include "sync/SntpClient.h"
 
 #include <QSignalSpy>
@@ -84,6 +85,24 @@ class TestSntpClient : public QObject
     Q_OBJECT
 private slots:
     void initTestCase() { qRegisterMetaType<SntpResult>(); }
+
+    void realTimeServerGivesItsTime()
+    {
+        const QString site = qEnvironmentVariable("TW_NTP_SITE");
+        if (site.isEmpty())
+            QSKIP("no time server of our own (run through chrony.sh)");
+        SystemClock clock;
+        SntpClient client(clock);
+        QSignalSpy done(&client, &SntpClient::Done);
+        client.Start(site, 5000);
+        QVERIFY(done.wait(8000));
+        const SntpResult result = done.at(0).at(0).value<SntpResult>();
+        QVERIFY2(result.ErrorCode == SntpResult::Ok, qPrintable(result.Error));
+        // The server keeps this machine's own clock: the offset is that of the loopback.
+        QVERIFY2(qAbs(result.OffsetMs) < 1000, qPrintable(QString::number(result.OffsetMs)));
+        QVERIFY(result.DelayMs >= 0 && result.DelayMs < 1000);
+        QVERIFY(qAbs(result.ServerTime.msecsTo(QDateTime::currentDateTime())) < 2000);
+    }
 
     void ntpTimesConvertBothWays()
     {

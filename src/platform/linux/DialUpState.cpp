@@ -1,0 +1,63 @@
+#include "platform/linux/DialUpState.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusInterface>
+#include <QDBusMetaType>
+#include <QDBusObjectPath>
+#include <QDBusReply>
+#include <QNetworkInterface>
+
+namespace {
+
+const QString Service = QStringLiteral("org.freedesktop.NetworkManager");
+
+QVariant Property(const QString& path, const QString& interface, const QString& name)
+{
+    QDBusInterface properties(Service, path, QStringLiteral("org.freedesktop.DBus.Properties"),
+                              QDBusConnection::systemBus());
+    if (!properties.isValid())
+        return {};
+    const QDBusReply<QVariant> reply = properties.call(QStringLiteral("Get"), interface, name);
+    return reply.isValid() ? reply.value() : QVariant();
+}
+
+bool NetworkManagerHasDialUp()
+{
+    const QVariant active = Property(QStringLiteral("/org/freedesktop/NetworkManager"), Service,
+                                     QStringLiteral("ActiveConnections"));
+    if (!active.isValid())
+        return false;
+    QList<QDBusObjectPath> paths;
+    if (active.canConvert<QDBusArgument>())
+        paths = qdbus_cast<QList<QDBusObjectPath>>(active.value<QDBusArgument>());
+    else
+        paths = active.value<QList<QDBusObjectPath>>();
+    static const QStringList dialUpKinds{QStringLiteral("gsm"), QStringLiteral("cdma"),
+                                         QStringLiteral("pppoe"), QStringLiteral("adsl"),
+                                         QStringLiteral("bluetooth")};
+    for (const QDBusObjectPath& path : paths) {
+        const QString kind =
+            Property(path.path(), QStringLiteral("org.freedesktop.NetworkManager.Connection.Active"),
+                     QStringLiteral("Type"))
+                .toString();
+        if (dialUpKinds.contains(kind))
+            return true;
+    }
+    return false;
+}
+
+bool PppInterfaceUp()
+{
+    for (const QNetworkInterface& link : QNetworkInterface::allInterfaces())
+        if (link.name().startsWith(QStringLiteral("ppp")) && link.flags().testFlag(QNetworkInterface::IsUp))
+            return true;
+    return false;
+}
+
+} // namespace
+
+bool LinuxDialUpState::DialUpConnection() const
+{
+    return NetworkManagerHasDialUp() || PppInterfaceUp();
+}

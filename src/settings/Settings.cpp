@@ -267,6 +267,9 @@ std::optional<QDateTime> ParseStoredDateTime(const QString& text)
         value = locale.toDateTime(t, QLocale::LongFormat);
     if (!value.isValid())
         return std::nullopt;
+    // Kept as it is written back: local time, to the second.
+    value = value.toLocalTime();
+    value.setTime(QTime(value.time().hour(), value.time().minute(), value.time().second()));
     return value;
 }
 

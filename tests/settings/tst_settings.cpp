@@ -260,6 +260,23 @@ private slots:
         QVERIFY(!ParseStoredDateTime(QStringLiteral("not a date")));
     }
 
+    void lastSyncIsReadAsItIsWrittenBackToTheSecondInLocalTime()
+    {
+        const auto withMilliseconds = ParseStoredDateTime(QStringLiteral("2026-11-16T10:00:00.123"));
+        QVERIFY(withMilliseconds);
+        QCOMPARE(*withMilliseconds, QDateTime(QDate(2026, 11, 16), QTime(10, 0, 0)));
+        const auto withOffset = ParseStoredDateTime(QStringLiteral("2026-11-16T10:00:00+05:00"));
+        QVERIFY(withOffset);
+        QCOMPARE(withOffset->timeSpec(), Qt::LocalTime);
+        QCOMPARE(withOffset->toUTC(), QDateTime(QDate(2026, 11, 16), QTime(5, 0, 0), Qt::UTC));
+        // Written back and read again, each is the same moment.
+        Settings values;
+        values.LastSync = *withOffset;
+        for (const SettingKey& key : SettingKeys())
+            if (QString::fromUtf16(key.Key) == u"LastSync")
+                QCOMPARE(ParseStoredDateTime(key.Format(values)), withOffset);
+    }
+
     void numbersRoundHalfToEvenAndCheckRange()
     {
         QCOMPARE(ParseInt16(QStringLiteral("2.5")), qint16(2));

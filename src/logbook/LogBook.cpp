@@ -105,9 +105,9 @@ std::optional<QString> LogBook::Report(std::optional<QString> error)
     return error;
 }
 
-bool LogBook::EndsWithNewLine(QFile& file)
+bool LogBook::EndsWithNewLine(const QString& path)
 {
-    QFile reader(file.fileName());
+    QFile reader(path);
     if (!reader.open(QIODevice::ReadOnly) || reader.size() == 0)
         return true;
     reader.seek(reader.size() - 1);
@@ -135,7 +135,7 @@ std::optional<QString> LogBook::OpenTodaysLog()
         return Report(ErrorText(QStringLiteral("Error opening today's logbook"), int(m_today.error()),
                                 m_today.errorString()));
     m_openDay = today;
-    m_startOnNewLine = !EndsWithNewLine(m_today);
+    m_startOnNewLine = !EndsWithNewLine(m_today.fileName());
     return std::nullopt;
 }
 

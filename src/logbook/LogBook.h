@@ -127,7 +127,8 @@ signals:
 
 private:
     std::optional<QString> Report(std::optional<QString> error);
-    static bool EndsWithNewLine(QFile& file);
+    // Whether the file at `path` is empty or ends with a whole line.
+    static bool EndsWithNewLine(const QString& path);
 
     QString m_folder;
     const Clock& m_clock;

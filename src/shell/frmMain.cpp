@@ -38,7 +38,7 @@
 
 frmMain::frmMain(const MainServices& services, QWidget* parent)
     : QWidget(parent), m_clock(services.clock), m_store(services.store), m_locale(services.locale),
-      m_platform(services.platform), m_preferences(std::make_unique<Preferences>()),
+      m_preferences(std::make_unique<Preferences>()),
       m_log(std::make_unique<LogBook>(services.logFolder, services.clock, services.locale)),
       m_viewer(std::make_unique<LogViewer>(*m_log, services.clock, services.locale)),
       m_alarms(std::make_unique<AlarmDesk>(services.store, *m_log, services.clock, *m_preferences)),

@@ -125,7 +125,6 @@ private:
     const Clock& m_clock;
     SettingsStore& m_store;
     QLocale m_locale;
-    PlatformServices& m_platform;
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<LogBook> m_log;
     std::unique_ptr<LogViewer> m_viewer;

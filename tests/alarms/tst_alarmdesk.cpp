@@ -1,3 +1,4 @@
+#include "AlarmRecords.h"
 #include "ManualClock.h"
 #include "TestEnvironment.h"
 #include "alarms/AlarmDesk.h"
@@ -13,15 +14,6 @@ namespace {
 
 const QLocale EnUs(QLocale::English, QLocale::UnitedStates);
 const QDate Monday(2026, 11, 16);
-
-AlarmRecord SetAlarm(const QString& message, const QString& expire, bool set = true)
-{
-    AlarmRecord a;
-    a.Message = message;
-    a.Expire = expire;
-    a.AlarmSet = set;
-    return a;
-}
 
 // The alarm desk over a fresh folder, with its log open for every event.
 struct Fixture

@@ -1,16 +1,9 @@
+#include "AlarmRecords.h"
 #include "alarms/AlarmLogic.h"
 
 #include <QtTest>
 
 namespace {
-AlarmRecord SetAlarm(const QString& message, const QString& expire, bool set = true)
-{
-    AlarmRecord a;
-    a.Message = message;
-    a.Expire = expire;
-    a.AlarmSet = set;
-    return a;
-}
 const QDate Monday(2026, 11, 16);
 } // namespace
 

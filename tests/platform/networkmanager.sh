@@ -5,30 +5,10 @@
 # Usage: networkmanager.sh PROGRAM
 set -euo pipefail
 program="$1"
-py=/usr/bin/python3
-[ -x "$py" ] || py=python3
-"$py" -c 'import dbusmock' 2>/dev/null || { echo "networkmanager.sh: python3-dbusmock is missing: skipped"; exit 77; }
-work=$(mktemp -d)
-pids=()
-cleanup() {
-    for p in "${pids[@]}"; do kill "$p" 2>/dev/null || true; done
-    wait 2>/dev/null || true
-    rm -rf "$work"
-}
-trap cleanup EXIT
-dbus-daemon --session --nofork --address="unix:path=$work/bus" >/dev/null 2>&1 &
-pids+=($!)
-export DBUS_SYSTEM_BUS_ADDRESS="unix:path=$work/bus"
-for _ in $(seq 1 50); do [ -S "$work/bus" ] && break; sleep 0.1; done
+source "$(dirname "$0")/privatebus.sh"
 
 TW_DIALUP_EXPECT=0 "$program"
-"$py" -m dbusmock --system --template networkmanager >"$work/mock.log" 2>&1 &
-pids+=($!)
-for _ in $(seq 1 100); do
-    dbus-send --system --print-reply --dest=org.freedesktop.DBus / org.freedesktop.DBus.NameHasOwner \
-        string:org.freedesktop.NetworkManager 2>/dev/null | grep -q 'boolean true' && break
-    sleep 0.1
-done
+start_mock networkmanager org.freedesktop.NetworkManager
 activate() { # NAME TYPE: an active connection of that type
     "$py" - "$1" "$2" <<'PY'
 import sys

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-class QDateTime;
+#include <functional>
 
 // What came of a request to set the computer's clock: on failure, a sentence the operator
 // can read in a message box (no permission, no time service, not available here).
@@ -12,20 +12,26 @@ struct ClockSetResult
     QString Reason;
 };
 
-// Sets the computer's clock, for the time synchronisation and the "set the clock" commands.
+// Sets the computer's clock, for the time synchronisation.
+//
+// The clock is moved by an amount, not set to a time: a request that waits (for the
+// operator to give the right to set the clock, say) still lands on the right time when it
+// is carried out. `done` is called once with the outcome, either before AdjustClock returns
+// or later from the event loop; it is never called after the setter is destroyed.
 class ClockSetter
 {
 public:
+    using Done = std::function<void(const ClockSetResult&)>;
     virtual ~ClockSetter() = default;
-    virtual ClockSetResult SetClock(const QDateTime& to) = 0;
+    virtual void AdjustClock(qint64 byMsec, Done done) = 0;
 };
 
 // For systems where the program cannot set the clock: every request is refused with the reason.
 class NullClockSetter final : public ClockSetter
 {
 public:
-    ClockSetResult SetClock(const QDateTime&) override
+    void AdjustClock(qint64, Done done) override
     {
-        return {false, QStringLiteral("Setting the computer's clock is not available on this system")};
+        done({false, QStringLiteral("Setting the computer's clock is not available on this system")});
     }
 };

@@ -4,8 +4,11 @@
 #include <QDBusInterface>
 #include <QDBusReply>
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QtTest>
+
+#include <optional>
 
 namespace {
 
@@ -38,6 +41,17 @@ void ReplaceSetTime(const QString& code)
     QVERIFY2(reply.type() != QDBusMessage::ErrorMessage, qPrintable(reply.errorMessage()));
 }
 
+// Asks the setter to move the clock and waits for its answer.
+ClockSetResult Adjust(LinuxClockSetter& setter, qint64 byMsec)
+{
+    std::optional<ClockSetResult> result;
+    setter.AdjustClock(byMsec, [&result](const ClockSetResult& r) { result = r; });
+    QDeadlineTimer deadline(10000);
+    while (!result && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    return result.value_or(ClockSetResult{false, QStringLiteral("no answer")});
+}
+
 } // namespace
 
 // The Linux clock setter against a mocked time service on a private bus (timedated.sh starts
@@ -59,19 +73,24 @@ private slots:
         if (qEnvironmentVariable("TW_TIMEDATED") != u"1")
             QSKIP("this run has no time service");
         ReplaceSetTime(
-            QStringLiteral("self.props['org.freedesktop.timedate1']['TwSetTo'] = dbus.Int64(args[0]); "
+            QStringLiteral("self.props['org.freedesktop.timedate1']['TwSetBy'] = dbus.Int64(args[0]); "
+                           "self.props['org.freedesktop.timedate1']['TwRelative'] = args[1]; "
                            "self.props['org.freedesktop.timedate1']['TwInteractive'] = args[2]"));
-        const QDateTime to(QDate(2026, 11, 16), QTime(10, 15, 30, 250), Qt::UTC);
         LinuxClockSetter setter;
-        const ClockSetResult result = setter.SetClock(to);
+        const ClockSetResult result = Adjust(setter, -56250);
         QVERIFY2(result.Ok, qPrintable(result.Reason));
         QDBusInterface properties(
             QStringLiteral("org.freedesktop.timedate1"), QStringLiteral("/org/freedesktop/timedate1"),
             QStringLiteral("org.freedesktop.DBus.Properties"), QDBusConnection::systemBus());
-        const QDBusReply<QVariant> setTo = properties.call(
-            QStringLiteral("Get"), QStringLiteral("org.freedesktop.timedate1"), QStringLiteral("TwSetTo"));
-        QVERIFY(setTo.isValid());
-        QCOMPARE(setTo.value().toLongLong(), to.toMSecsSinceEpoch() * 1000);
+        // Moved by the amount asked, in microseconds, relative to the clock when it is done.
+        const QDBusReply<QVariant> setBy = properties.call(
+            QStringLiteral("Get"), QStringLiteral("org.freedesktop.timedate1"), QStringLiteral("TwSetBy"));
+        QVERIFY(setBy.isValid());
+        QCOMPARE(setBy.value().toLongLong(), -56250000LL);
+        const QDBusReply<QVariant> relative = properties.call(
+            QStringLiteral("Get"), QStringLiteral("org.freedesktop.timedate1"), QStringLiteral("TwRelative"));
+        QVERIFY(relative.isValid());
+        QVERIFY(relative.value().toBool());
         const QDBusReply<QVariant> interactive =
             properties.call(QStringLiteral("Get"), QStringLiteral("org.freedesktop.timedate1"),
                             QStringLiteral("TwInteractive"));
@@ -87,7 +106,7 @@ private slots:
             QStringLiteral("raise dbus.exceptions.DBusException('Automatic time synchronization is enabled', "
                            "name='org.freedesktop.timedate1.AutomaticTimeSyncEnabled')"));
         LinuxClockSetter setter;
-        const ClockSetResult result = setter.SetClock(QDateTime::currentDateTimeUtc());
+        const ClockSetResult result = Adjust(setter, 1000);
         QVERIFY(!result.Ok);
         QCOMPARE(result.Reason,
                  QStringLiteral("The computer's clock was not set: the system's time service refused "
@@ -99,7 +118,7 @@ private slots:
         if (qEnvironmentVariable("TW_TIMEDATED") != u"0")
             QSKIP("this run has a time service");
         LinuxClockSetter setter;
-        const ClockSetResult result = setter.SetClock(QDateTime::currentDateTimeUtc());
+        const ClockSetResult result = Adjust(setter, 1000);
         QVERIFY(!result.Ok);
         QCOMPARE(result.Reason,
                  QStringLiteral("The computer's clock was not set: Tarrowind may not set it, and the "

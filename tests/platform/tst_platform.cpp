@@ -6,6 +6,8 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <optional>
+
 class TestPlatform : public QObject
 {
     Q_OBJECT
@@ -13,14 +15,14 @@ private slots:
     void nullClockSetterNeverSetsAndSaysWhy()
     {
         NullClockSetter setter;
-        const QDateTime to(QDate(2026, 11, 16), QTime(10, 0), Qt::UTC);
-        for (int i = 0; i < 2; ++i) {
-            const auto result = setter.SetClock(to);
-            QVERIFY(!result.Ok);
-            QCOMPARE(result.Reason,
+        for (const qint64 by : {qint64(0), qint64(90000), qint64(-5000)}) {
+            std::optional<ClockSetResult> result;
+            setter.AdjustClock(by, [&result](const ClockSetResult& r) { result = r; });
+            QVERIFY(result.has_value());
+            QVERIFY(!result->Ok);
+            QCOMPARE(result->Reason,
                      QStringLiteral("Setting the computer's clock is not available on this system"));
         }
-        QVERIFY(!setter.SetClock(QDateTime()).Ok);
     }
 
     void nullClockChangeWatchNeverSignals()
@@ -92,14 +94,30 @@ private slots:
     void fakeClockSetterRecordsEachRequestAndAnswersAsSet()
     {
         FakeClockSetter setter;
-        const QDateTime first(QDate(2026, 11, 16), QTime(10, 0), Qt::UTC);
-        const QDateTime second = first.addSecs(90);
-        QVERIFY(setter.SetClock(first).Ok);
+        qint64 moved = 0;
+        setter.Moves = [&moved](qint64 by) { moved += by; };
+        QList<ClockSetResult> answers;
+        const auto record = [&answers](const ClockSetResult& r) { answers.append(r); };
+        setter.AdjustClock(90000, record);
         setter.Next = {false, QStringLiteral("No permission")};
-        const auto refused = setter.SetClock(second);
-        QVERIFY(!refused.Ok);
-        QCOMPARE(refused.Reason, QStringLiteral("No permission"));
-        QCOMPARE(setter.Requests, (QList<QDateTime>{first, second}));
+        setter.AdjustClock(-2000, record);
+        QCOMPARE(answers.size(), 2);
+        QVERIFY(answers.at(0).Ok);
+        QVERIFY(!answers.at(1).Ok);
+        QCOMPARE(answers.at(1).Reason, QStringLiteral("No permission"));
+        QCOMPARE(setter.Requests, (QList<qint64>{90000, -2000}));
+        QCOMPARE(moved, 90000); // a refused request moves nothing
+
+        // Held back: no answer until the test gives it.
+        setter.Next = {true, {}};
+        setter.Hold = true;
+        setter.AdjustClock(3000, record);
+        QCOMPARE(answers.size(), 2);
+        QCOMPARE(setter.Waiting(), 1);
+        setter.Answer();
+        QCOMPARE(answers.size(), 3);
+        QVERIFY(answers.at(2).Ok);
+        QCOMPARE(moved, 93000);
     }
 
     void fakeClockChangeWatchSignalsOnEmit()

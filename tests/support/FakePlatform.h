@@ -12,22 +12,50 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 // Operating-system services for tests: each records what it is asked and answers what the
 // test set. None of them touches the system.
 
-// Records every time it is asked to set and answers with Next (success unless a test says).
+// Records every amount it is asked to move the clock by and answers with Next (success
+// unless a test says). A test may move its own clock on each request (Moves), and may hold
+// the answers back (Hold) to give them later with Answer.
 class FakeClockSetter final : public ClockSetter
 {
 public:
-    ClockSetResult SetClock(const QDateTime& to) override
+    void AdjustClock(qint64 byMsec, Done done) override
     {
-        Requests.append(to);
-        return Next;
+        Requests.append(byMsec);
+        if (Hold) {
+            m_waiting.append(std::move(done));
+            return;
+        }
+        Carry(byMsec, done);
     }
+    // Gives the answer held back longest.
+    void Answer()
+    {
+        if (m_waiting.isEmpty())
+            return;
+        const Done done = m_waiting.takeFirst();
+        Carry(Requests.at(Requests.size() - m_waiting.size() - 1), done);
+    }
+    int Waiting() const { return int(m_waiting.size()); }
+
     ClockSetResult Next{true, {}};
-    QList<QDateTime> Requests;
+    bool Hold = false;
+    std::function<void(qint64)> Moves;
+    QList<qint64> Requests;
+
+private:
+    void Carry(qint64 byMsec, const Done& done)
+    {
+        if (Next.Ok && Moves)
+            Moves(byMsec);
+        done(Next);
+    }
+    QList<Done> m_waiting;
 };
 
 // Signals a clock change when the test calls Emit.

@@ -114,16 +114,22 @@ std::optional<SntpReply> ParseSntpReply(QByteArrayView packet, quint64 ourTransm
     return SntpReply{stratum, Read64(packet, 32), transmit};
 }
 
-SntpClient::SntpClient(const Clock& clock, QObject* parent) : QObject(parent), m_clock(clock)
+SntpClient::SntpClient(const Clock& clock, QObject* parent) : TimeQuery(parent), m_clock(clock)
 {
     m_timeout.setSingleShot(true);
     connect(&m_timeout, &QTimer::timeout, this, [this] {
+        if (m_setAside) {
+            Finish(*m_setAside);
+            return;
+        }
         Finish(m_wrongSender
                    ? Failure(SntpResult::WrongSender,
                              QStringLiteral("The only answer came from another address or port than "
                                             "the time server's."))
                    : Failure(SntpResult::NoReply, QStringLiteral("The time server did not answer.")));
     });
+    m_resend.setSingleShot(true);
+    connect(&m_resend, &QTimer::timeout, this, &SntpClient::SendRequest);
 }
 
 SntpClient::~SntpClient()
@@ -131,13 +137,17 @@ SntpClient::~SntpClient()
     Cancel();
 }
 
-void SntpClient::Start(const QString& site, int timeoutMsec)
+SntpResult SntpClient::Start(const QString& site, int timeoutMsec)
 {
     Cancel();
+    QString host = site.trimmed();
+    if (host.isEmpty())
+        return Failure(SntpResult::HostNotFound, QStringLiteral("No time server is given."));
     m_running = true;
     m_wrongSender = false;
+    m_setAside.reset();
+    m_sent.clear();
     m_timeout.start(timeoutMsec);
-    QString host = site.trimmed();
     m_port = 123;
     // host:port, but not an IPv6 address's colons.
     if (const qsizetype colon = host.lastIndexOf(u':'); colon > 0 && host.count(u':') == 1) {
@@ -150,8 +160,12 @@ void SntpClient::Start(const QString& site, int timeoutMsec)
     }
     const QHostAddress literal(host);
     if (!literal.isNull()) {
-        Send(literal);
-        return;
+        // Sent from the event loop, like an answer of the name lookup: Start returns first.
+        QTimer::singleShot(0, this, [this, literal] {
+            if (m_running && !m_socket)
+                Send(literal);
+        });
+        return {};
     }
     // The name is looked up without blocking the window.
     m_lookup = QHostInfo::lookupHost(host, this, [this, host](const QHostInfo& info) {
@@ -165,6 +179,7 @@ void SntpClient::Start(const QString& site, int timeoutMsec)
         }
         Send(info.addresses().constFirst());
     });
+    return {};
 }
 
 void SntpClient::Cancel()
@@ -174,6 +189,7 @@ void SntpClient::Cancel()
         m_lookup = -1;
     }
     m_timeout.stop();
+    m_resend.stop();
     if (m_socket) {
         m_socket->disconnect(this);
         m_socket->deleteLater();
@@ -187,15 +203,26 @@ void SntpClient::Send(const QHostAddress& address)
     m_address = address;
     m_socket = new QUdpSocket(this);
     connect(m_socket, &QUdpSocket::readyRead, this, &SntpClient::ReadReplies);
+    SendRequest();
+}
+
+void SntpClient::SendRequest()
+{
+    if (!m_running || !m_socket)
+        return;
     QByteArray request(PacketSize, '\0');
     request[0] = char((0 << 6) | (4 << 3) | 3); // no leap warning, version 4, client
     // A random transmit timestamp: the reply must echo it, which a forger cannot guess.
-    m_transmit = QRandomGenerator::system()->generate64();
-    qToBigEndian(m_transmit, request.data() + 40);
-    m_sentAt = m_clock.Now();
-    if (m_socket->writeDatagram(request, m_address, m_port) != request.size())
+    Request sent{QRandomGenerator::system()->generate64(), m_clock.Now()};
+    qToBigEndian(sent.Transmit, request.data() + 40);
+    m_sent.append(sent);
+    if (m_socket->writeDatagram(request, m_address, m_port) != request.size()) {
         Finish(Failure(SntpResult::NetworkError,
                        QStringLiteral("The request could not be sent: ") + m_socket->errorString()));
+        return;
+    }
+    // Sent again after 2, 4, 8 ... seconds while no answer comes.
+    m_resend.start(m_firstResendMsec << qMin(int(m_sent.size()) - 1, 5));
 }
 
 void SntpClient::ReadReplies()
@@ -214,14 +241,27 @@ void SntpClient::ReadReplies()
             m_wrongSender = true;
             continue;
         }
+        // The request this answers, by the originate timestamp it echoes.
+        Request answered = m_sent.constLast();
+        if (packet.size() >= PacketSize) {
+            const quint64 originate = Read64(packet, 24);
+            for (const Request& sent : std::as_const(m_sent))
+                if (sent.Transmit == originate)
+                    answered = sent;
+        }
         SntpResult failure;
-        const auto reply = ParseSntpReply(packet, m_transmit, failure);
+        const auto reply = ParseSntpReply(packet, answered.Transmit, failure);
         if (!reply) {
+            // An answer to none of our requests says nothing about the server: wait on.
+            if (failure.ErrorCode == SntpResult::NotOurRequest) {
+                m_setAside = failure;
+                continue;
+            }
             Finish(failure);
             return;
         }
         // T1 and T4 are the local clock's; T2 and T3 the server's.
-        const quint64 t1 = ToNtpTime(m_sentAt);
+        const quint64 t1 = ToNtpTime(answered.SentAt);
         const quint64 t4 = ToNtpTime(receivedAt);
         SntpResult result;
         result.OffsetMs = (DiffMs(t1, reply->Receive) + DiffMs(t4, reply->Transmit)) / 2;

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QDateTime>
 #include <QHostAddress>
+#include <QList>
 #include <QObject>
 #include <QString>
 #include <QTimer>
@@ -31,6 +32,9 @@ struct SntpResult
         NoTransmitTime,
         WrongSender,
         NetworkError,
+        // Not a failure: what a socket layer says when a request is under way and its answer
+        // will come later (its "would block" status). A start that reports it has started.
+        UnderWay = 10035,
     };
     int ErrorCode = Ok;
     QString Error;
@@ -59,11 +63,32 @@ std::optional<SntpReply> ParseSntpReply(QByteArrayView packet, quint64 ourTransm
 quint64 ToNtpTime(const QDateTime& time);
 QDateTime FromNtpTime(quint64 ntp);
 
+// A query of the time of a named host. A window's sync run drives one; tests drive a fake.
+class TimeQuery : public QObject
+{
+    Q_OBJECT
+public:
+    using QObject::QObject;
+    // Starts a query of `site`. Returns Ok (or UnderWay) when the query is under way and its
+    // answer will come through Done, otherwise the error that kept it from starting (no
+    // Done follows then).
+    virtual SntpResult Start(const QString& site, int timeoutMsec) = 0;
+    // Ends a query under way without a Done.
+    virtual void Cancel() = 0;
+
+signals:
+    void Done(const SntpResult& result);
+};
+
 // One query of a time server over UDP, without blocking the window: the host name is
 // looked up, one client request goes out with a random transmit timestamp (so that a
 // forged answer cannot guess it), and the first acceptable reply from the address and
-// port asked ends the query. The answer comes through Done, once.
-class SntpClient : public QObject
+// port asked ends the query. A request that gets no answer is sent again, each time after
+// twice the wait, so that one lost packet costs seconds and not the whole query; a reply
+// to any of them is taken with its own sending time. A reply that answers none of them (a
+// forgery, or a stray) is set aside and does not end the query. The answer comes through
+// Done, once.
+class SntpClient : public TimeQuery
 {
     Q_OBJECT
 public:
@@ -71,27 +96,33 @@ public:
     ~SntpClient() override;
 
     // `site` is a host name, or host:port (the port of time servers, 123, otherwise).
-    void Start(const QString& site, int timeoutMsec = 10000);
-    // Ends a query under way without a Done.
-    void Cancel();
+    SntpResult Start(const QString& site, int timeoutMsec = 10000) override;
+    void Cancel() override;
     bool IsRunning() const { return m_running; }
-
-signals:
-    void Done(const SntpResult& result);
+    // The wait before the first request is sent again (tests shorten it).
+    void SetResendAfter(int msec) { m_firstResendMsec = msec; }
 
 private:
+    struct Request
+    {
+        quint64 Transmit = 0;
+        QDateTime SentAt;
+    };
     void Send(const QHostAddress& address);
+    void SendRequest();
     void ReadReplies();
     void Finish(SntpResult result);
 
     const Clock& m_clock;
     QUdpSocket* m_socket = nullptr;
     QTimer m_timeout;
+    QTimer m_resend;
     QHostAddress m_address;
     quint16 m_port = 123;
-    quint64 m_transmit = 0;
-    QDateTime m_sentAt;
+    QList<Request> m_sent;
+    int m_firstResendMsec = 2000;
     int m_lookup = -1;
     bool m_running = false;
     bool m_wrongSender = false;
+    std::optional<SntpResult> m_setAside;
 };

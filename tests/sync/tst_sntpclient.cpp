@@ -32,12 +32,16 @@ public:
                 m_socket.readDatagram(request.data(), request.size(), &from, &port);
                 ++Requests;
                 LastRequest = request;
+                m_client = from;
+                m_clientPort = port;
                 const QByteArray reply = m_answer(request);
                 if (!reply.isEmpty())
                     (m_fromAnotherPort ? m_other : m_socket).writeDatagram(reply, from, port);
             }
         });
     }
+    // Sends `packet` from the server's port to the client that asked last.
+    void AnswerNow(const QByteArray& packet) { m_socket.writeDatagram(packet, m_client, m_clientPort); }
     QString Site() const { return QStringLiteral("127.0.0.1:") + QString::number(m_socket.localPort()); }
     int Requests = 0;
     QByteArray LastRequest;
@@ -47,6 +51,8 @@ private:
     bool m_fromAnotherPort;
     QUdpSocket m_socket;
     QUdpSocket m_other;
+    QHostAddress m_client;
+    quint16 m_clientPort = 0;
 };
 
 // A good reply to `request`: the server's clock `ahead` of the local one, taking `hold` ms.
@@ -182,10 +188,93 @@ private slots:
                 return Reply(request, 60000, 0, 4, 4, 16);
             }
         });
-        const SntpResult result = Ask(server, clock);
+        // An answer to none of our requests is set aside until the query's time is up.
+        const SntpResult result = Ask(server, clock, kind == 3 ? 800 : 3000);
         QCOMPARE(result.ErrorCode, code);
         QCOMPARE(result.Error, text);
         QVERIFY(!result.ServerTime.isValid());
+    }
+
+    void forgedReplyDoesNotEndTheQuery()
+    {
+        // A stray answer with the wrong originate comes first; the server's own follows.
+        ManualClock clock(Local);
+        FakeServer server([](const QByteArray&) { return QByteArray(); });
+        SntpClient client(clock);
+        QSignalSpy done(&client, &SntpClient::Done);
+        QCOMPARE(client.Start(server.Site(), 3000).ErrorCode, int(SntpResult::Ok));
+        QTRY_COMPARE(server.Requests, 1);
+        QByteArray forged = Reply(server.LastRequest, -3600000);
+        forged[24] = char(forged[24] ^ 0x55);
+        server.AnswerNow(forged);
+        QTest::qWait(100);
+        QCOMPARE(done.size(), 0);
+        server.AnswerNow(Reply(server.LastRequest, 90000));
+        QVERIFY(done.wait(5000));
+        const SntpResult result = done.at(0).at(0).value<SntpResult>();
+        QCOMPARE(result.ErrorCode, int(SntpResult::Ok));
+        QCOMPARE(result.OffsetMs, qint64(90000));
+    }
+
+    void lostRequestIsSentAgainAndItsAnswerTaken()
+    {
+        // The first request is lost; the second, sent 100 ms later by the client's own
+        // clock, is answered. T1 is the second request's sending time.
+        ManualClock clock(Local);
+        int seen = 0;
+        FakeServer server([&seen, &clock](const QByteArray& request) {
+            if (++seen == 1) {
+                clock.AdvanceMSecs(100);
+                return QByteArray();
+            }
+            return Reply(request, 42000);
+        });
+        SntpClient client(clock);
+        client.SetResendAfter(100);
+        QSignalSpy done(&client, &SntpClient::Done);
+        QCOMPARE(client.Start(server.Site(), 3000).ErrorCode, int(SntpResult::Ok));
+        QVERIFY(done.wait(5000));
+        const SntpResult result = done.at(0).at(0).value<SntpResult>();
+        QVERIFY2(result.ErrorCode == SntpResult::Ok, qPrintable(result.Error));
+        QCOMPARE(server.Requests, 2);
+        // Sent and received at Local + 100 ms; the server stamps Local + 42 s.
+        QCOMPARE(result.OffsetMs, qint64(42000 - 100));
+    }
+
+    void lateAnswerToAnEarlierRequestIsTakenWithItsOwnSendingTime()
+    {
+        // The server answers only the first request, but late: after the client sent again.
+        ManualClock clock(Local);
+        QByteArray first;
+        FakeServer server([&first](const QByteArray& request) {
+            if (first.isEmpty())
+                first = request;
+            return QByteArray();
+        });
+        SntpClient client(clock);
+        client.SetResendAfter(50);
+        QSignalSpy done(&client, &SntpClient::Done);
+        QCOMPARE(client.Start(server.Site(), 3000).ErrorCode, int(SntpResult::Ok));
+        QTRY_COMPARE(server.Requests, 2);
+        QVERIFY(!first.isEmpty());
+        server.AnswerNow(Reply(first, 30000));
+        QVERIFY(done.wait(5000));
+        const SntpResult result = done.at(0).at(0).value<SntpResult>();
+        QVERIFY2(result.ErrorCode == SntpResult::Ok, qPrintable(result.Error));
+        QCOMPARE(result.OffsetMs, qint64(30000));
+    }
+
+    void emptySiteIsAStartError()
+    {
+        ManualClock clock(Local);
+        SntpClient client(clock);
+        QSignalSpy done(&client, &SntpClient::Done);
+        const SntpResult started = client.Start(QStringLiteral("  "), 1000);
+        QCOMPARE(started.ErrorCode, int(SntpResult::HostNotFound));
+        QCOMPARE(started.Error, QStringLiteral("No time server is given."));
+        QVERIFY(!client.IsRunning());
+        QTest::qWait(100);
+        QCOMPARE(done.size(), 0);
     }
 
     void replyFromAnotherPortIsNotTaken()

@@ -1,7 +1,7 @@
 #include "settings/Settings.h"
 
 #include "settings/SettingsStore.h"
-#include "sync/TimeServers.h"
+#include "settings/TimeServers.h"
 
 #include <QLocale>
 

@@ -11,13 +11,18 @@
 #include "logbook/LogBook.h"
 #include "logbook/LogPanel.h"
 #include "logbook/LogViewer.h"
+#include "platform/ClockSetter.h"
 #include "platform/PlatformServices.h"
 #include "platform/WindowFlash.h"
 #include "props/frmClockProps.h"
 #include "settings/Preferences.h"
 #include "shell/ClockPanel.h"
+#include "shell/frmMessage.h"
 #include "sun/SolarEvents.h"
 #include "sun/frmSSTables.h"
+#include "sync/SntpClient.h"
+#include "sync/SyncScheduler.h"
+#include "sync/SyncState.h"
 #include "widgets/Icons.h"
 #include "widgets/KeyedStatusBar.h"
 #include "widgets/MessageBox.h"
@@ -43,12 +48,22 @@ frmMain::frmMain(const MainServices& services, QWidget* parent)
       m_viewer(std::make_unique<LogViewer>(*m_log, services.clock, services.locale)),
       m_alarms(std::make_unique<AlarmDesk>(services.store, *m_log, services.clock, *m_preferences)),
       m_alarmWindows(std::make_unique<AlarmWindows>(*m_alarms, *m_preferences, services.soundFolders,
-                                                    services.makeSound, *services.platform.flash, this))
+                                                    services.makeSound, *services.platform.flash, this)),
+      m_sync(std::make_unique<SyncState>(*m_preferences, services.clock))
 {
     setObjectName(QStringLiteral("frmMain"));
     setWindowIcon(AppIcon());
     // Entries carry the corrected time of day.
     m_log->SetTimeSource([this]() -> QString { return InternetNow(); });
+    auto makeQuery = services.makeTimeQuery;
+    if (!makeQuery)
+        makeQuery = [&clock = services.clock](QObject* owner) -> std::unique_ptr<TimeQuery> {
+            return std::make_unique<SntpClient>(clock, owner);
+        };
+    m_scheduler = std::make_unique<SyncScheduler>(
+        SyncRunServices{*m_sync, *m_preferences, services.clock, *services.platform.clockSetter,
+                        [this](const QString& text) { ShowSyncMessage(text); }},
+        *services.platform.dialUp, std::move(makeQuery), this);
     BuildLayout();
     ConnectOwners();
 
@@ -64,6 +79,7 @@ frmMain::frmMain(const MainServices& services, QWidget* parent)
 frmMain::~frmMain()
 {
     // The panels and windows refer to the owners: they go first.
+    m_scheduler.reset();
     m_clockProps.reset();
     qDeleteAll(findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
 }
@@ -98,6 +114,7 @@ void frmMain::BuildLayout()
     connect(m_stsBar, &KeyedStatusBar::PanelClick, this, &frmMain::stsBar_PanelClick);
     connect(m_picMain->OnTopImage(), &QToolButton::clicked, this, &frmMain::imgOnTop_Click);
     connect(m_picMain->NotTopImage(), &QToolButton::clicked, this, &frmMain::imgNotTop_Click);
+    connect(m_picMain->SyncButton(), &QPushButton::clicked, this, [this] { SyncCheck(2); });
     connect(m_picCalc->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picCalc); });
     connect(m_picCalc->TablesButton(), &QPushButton::clicked, this, &frmMain::cmdTables_Click);
     // The calculator fills its departure with the corrected time and works out its
@@ -126,6 +143,8 @@ void frmMain::ConnectOwners()
     connect(m_alarms.get(), &AlarmDesk::Failed, this, &frmMain::Report);
     connect(m_log.get(), &LogBook::Failed, this, &frmMain::Report);
     connect(m_viewer.get(), &LogViewer::Failed, this, &frmMain::Report);
+    // A sync run (or its schedule) asks for the sync button to show the state.
+    connect(m_sync.get(), &SyncState::RefreshDue, this, [this] { SyncCheck(0); });
     // Once running, a change of the preferences shows at once.
     connect(m_preferences.get(), &Preferences::Changed, this, [this] {
         if (!m_loaded || m_stopped)
@@ -257,20 +276,62 @@ void frmMain::ShowSyncColours()
     const auto colour =
         UtcFaceRuleColour(values.UTCRule != 0, values.AutoSync != 0, m_picMain->SyncButtonBack(),
                           m_picMain->FaceBack(1), m_picMain->FaceBack(UtcZone));
-    if (colour)
+    if (colour) {
         m_picMain->SetFaceColours(UtcZone, *colour, m_picMain->FaceBack(UtcZone));
+        return;
+    }
+    // Synchronised again under the rule: the UTC face is readable at once, not at the next
+    // minute's redraw.
+    if (values.UTCRule != 0)
+        m_picMain->SetFaceColours(UtcZone, ParseInt32(values.ForeColor).value_or(White),
+                                  m_picMain->FaceBack(UtcZone));
 }
 
 void frmMain::SyncCheck(int mode)
 {
-    // Mode 0 refreshes the sync button. Modes 1 (start a run when one is due) and 2 (start
-    // one now) need the Internet time sync, which this build does not have yet.
-    if (mode != 0)
-        return;
-    m_picMain->SetSyncButtonColour(SyncButtonColour(m_synchronised));
-    const Settings& values = m_preferences->Values();
-    m_picMain->SyncButton()->setToolTip(NextSyncToolTip(values.LastSync, values.AutoSyncHrs));
-    ShowSyncColours();
+    switch (mode) {
+    case 0: {
+        // The button shows the state and the time of the next sync.
+        m_picMain->SetSyncButtonColour(SyncButtonColour(m_sync->Synchronised()));
+        const Settings& values = m_preferences->Values();
+        m_picMain->SyncButton()->setToolTip(NextSyncToolTip(values.LastSync, values.AutoSyncHrs));
+        ShowSyncColours();
+        break;
+    }
+    case 1:
+        m_scheduler->CheckSchedule();
+        break;
+    case 2: {
+        m_scheduler->StartSync(false);
+        QPushButton* button = m_picMain->SyncButton();
+        button->setDefault(false);
+        if (button->hasFocus())
+            focusNextChild();
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+frmMessage* frmMain::SyncMessage() const
+{
+    return m_message;
+}
+
+void frmMain::ShowSyncMessage(const QString& text)
+{
+    // One notice at a time: a later failure replaces the text of one still open. It does
+    // not wait to be read, so the run ends and the schedule goes on meanwhile.
+    if (!m_message) {
+        m_message = new frmMessage(this);
+        m_message->setAttribute(Qt::WA_DeleteOnClose);
+        m_message->setWindowModality(Qt::WindowModal);
+    }
+    m_message->SetMessage(text);
+    m_message->show();
+    m_message->raise();
+    m_message->activateWindow();
 }
 
 void frmMain::ShowTitle()

@@ -4,6 +4,7 @@
 #include <QDateTime>
 #include <QFont>
 #include <QLocale>
+#include <QPointer>
 #include <QStringList>
 #include <QTimer>
 #include <QWidget>
@@ -24,13 +25,17 @@ class LogPanel;
 class LogViewer;
 class Preferences;
 class SettingsStore;
+class SyncScheduler;
+class SyncState;
+class TimeQuery;
 class frmClockProps;
+class frmMessage;
 struct PlatformServices;
 
 // What the main window is given from outside: the clock, the settings store, where the
 // logs live, the locale of dates, where the program's own sounds are installed, the sound
-// player of this system and the operating system's services. main.cpp creates them; tests
-// hand in their own.
+// player of this system, the operating system's services and the query of a time server
+// (SNTP when none is given). main.cpp creates them; tests hand in their own.
 struct MainServices
 {
     const Clock& clock;
@@ -40,6 +45,7 @@ struct MainServices
     QStringList soundFolders;
     std::function<std::unique_ptr<AlarmSound>(QObject*)> makeSound;
     PlatformServices& platform;
+    std::function<std::unique_ptr<TimeQuery>(QObject*)> makeTimeQuery = {};
 };
 
 // The main window: it places the clock panel, the three working panels and the status
@@ -91,8 +97,11 @@ public:
     AlarmWindows& Windows() { return *m_alarmWindows; }
     LogBook& Log() { return *m_log; }
     LogViewer& Viewer() { return *m_viewer; }
+    SyncState& Sync() { return *m_sync; }
+    SyncScheduler& Scheduler() { return *m_scheduler; }
+    // The notice of a failed sync, while it is open.
+    frmMessage* SyncMessage() const;
     bool IsStopped() const { return m_stopped; }
-    void SetSynchronised(bool value) { m_synchronised = value; }
     // Milliseconds from `now` to the next .000 or .500 of a second.
     static int MsecToNextHalfSecond(const QTime& now);
 
@@ -116,6 +125,8 @@ private:
     void ShowFaceStyle();
     void FillZoneLists(int zone);
     void Report(const QString& message);
+    // Shows the notice of a failed sync without waiting for it to be read.
+    void ShowSyncMessage(const QString& text);
     // The clock faces' font, from the preferences.
     QFont ClockFont() const;
     // Hours from UTC of the local zone in standard time.
@@ -130,6 +141,8 @@ private:
     std::unique_ptr<LogViewer> m_viewer;
     std::unique_ptr<AlarmDesk> m_alarms;
     std::unique_ptr<AlarmWindows> m_alarmWindows;
+    std::unique_ptr<SyncState> m_sync;
+    std::unique_ptr<SyncScheduler> m_scheduler;
 
     bool m_coordinatesValid = false;
     bool m_loaded = false;
@@ -137,8 +150,6 @@ private:
     bool m_closeQuestionOpen = false;
     bool m_endingQuietly = false;
     QStringList m_exitErrors;
-    bool m_synchronised = false;
-    bool m_clockBeingSet = false;
     QDate m_lastDate;
     // The last minute of the corrected clock whose work was done.
     QDateTime m_lastHandled;
@@ -150,5 +161,6 @@ private:
     KeyedStatusBar* m_stsBar = nullptr;
     QWidget* m_openPanel = nullptr;
     std::unique_ptr<frmClockProps> m_clockProps;
+    QPointer<frmMessage> m_message;
     QTimer m_tmrMain{this};
 };

@@ -14,7 +14,10 @@
 #include "settings/SettingsStore.h"
 #include "shell/ClockPanel.h"
 #include "shell/frmMain.h"
+#include "shell/frmMessage.h"
 #include "sun/SolarEvents.h"
+#include "sync/SyncScheduler.h"
+#include "sync/SyncState.h"
 #include "widgets/MessageBox.h"
 
 #include <QApplication>
@@ -155,7 +158,7 @@ bool frmMain::Load()
 
         step = 27;
         m_picMain->SyncButton()->setVisible(m_preferences->Values().AutoSync != 0);
-        m_synchronised = true;
+        m_sync->SetSynchronised(true);
         if (m_preferences->Values().AutoSync != 0)
             SyncCheck(1);
         SyncCheck(0);
@@ -198,7 +201,7 @@ void frmMain::tmrMain_Timer()
         if (m_picMain->Seconds()->text() != seconds)
             m_picMain->Seconds()->setText(seconds);
         // While the sync run sets the clock, the half-set clock is not acted on.
-        if (m_clockBeingSet)
+        if (m_sync->ClockBeingSet())
             return;
         // A new minute is handled at the first tick that sees it, normally the one at second
         // 0; a late tick, or a clock step across second 0, loses nothing.
@@ -289,12 +292,14 @@ bool frmMain::SysInfo1_QuerySuspend()
 
 void frmMain::SysInfo1_TimeChanged()
 {
-    if (!m_loaded || m_stopped || m_clockBeingSet)
+    if (!m_loaded || m_stopped || m_sync->ClockBeingSet())
         return;
     // Show the new time at once and keep the tick in phase with the changed clock.
     SetTimes();
     ShowTitle();
     ArmTick();
+    // With automatic sync on, a clock changed by someone else is checked against the server.
+    m_scheduler->ClockChanged();
 }
 
 bool frmMain::QueryUnload()
@@ -359,6 +364,9 @@ void frmMain::StopProgram()
     m_alarms->SaveAlarms();
     m_alarms->Seal();
     m_log->CloseTodaysLog();
+
+    // The sync window goes first, without a word; then every other window.
+    m_scheduler->Stop();
 
     // From here on nothing may keep the program alive: close every other window, the
     // alarm windows last opened first.

@@ -65,6 +65,58 @@ QString MessageBox::Title()
     return QStringLiteral("Tarrowind");
 }
 
+namespace {
+
+// A box for `request` with its buttons; `first` and `second` are its buttons in order
+// (`second` null for OK only).
+struct BuiltBox
+{
+    QMessageBox* Box;
+    QPushButton* First;
+    QPushButton* Second;
+};
+
+BuiltBox BuildBox(QWidget* parent, const MessageBox::Request& request)
+{
+    auto* box =
+        new QMessageBox(ToQt(request.IconKind), request.Title.isEmpty() ? MessageBox::Title() : request.Title,
+                        QString(request.Text).replace(u'\r', u'\n'), QMessageBox::NoButton, parent);
+    box->setObjectName(QStringLiteral("MessageBox"));
+    QPushButton* first = nullptr;
+    QPushButton* second = nullptr;
+    switch (request.ButtonSet) {
+    case MessageBox::Buttons::OkOnly:
+        first = box->addButton(QMessageBox::Ok);
+        break;
+    case MessageBox::Buttons::OkCancel:
+        first = box->addButton(QMessageBox::Ok);
+        second = box->addButton(QMessageBox::Cancel);
+        break;
+    case MessageBox::Buttons::YesNo:
+        first = box->addButton(QMessageBox::Yes);
+        second = box->addButton(QMessageBox::No);
+        break;
+    }
+    box->setDefaultButton(request.DefaultSecond && second ? second : first);
+    box->setEscapeButton(second ? second : first);
+    return {box, first, second};
+}
+
+MessageBox::Answer AnswerOf(const MessageBox::Request& request, bool firstChosen)
+{
+    switch (request.ButtonSet) {
+    case MessageBox::Buttons::OkOnly:
+        return MessageBox::Answer::Ok;
+    case MessageBox::Buttons::OkCancel:
+        return firstChosen ? MessageBox::Answer::Ok : MessageBox::Answer::Cancel;
+    case MessageBox::Buttons::YesNo:
+        return firstChosen ? MessageBox::Answer::Yes : MessageBox::Answer::No;
+    }
+    return MessageBox::Answer::Ok;
+}
+
+} // namespace
+
 MessageBox::Answer MessageBox::Show(QWidget* parent, const Request& request)
 {
     if (Test().On()) {
@@ -72,40 +124,34 @@ MessageBox::Answer MessageBox::Show(QWidget* parent, const Request& request)
         return Test().Take().value_or(DefaultAnswer(request));
     }
 
-    QMessageBox box(ToQt(request.IconKind), request.Title.isEmpty() ? Title() : request.Title,
-                    QString(request.Text).replace(u'\r', u'\n'), QMessageBox::NoButton, parent);
-    box.setObjectName(QStringLiteral("MessageBox"));
-    QPushButton* first = nullptr;
-    QPushButton* second = nullptr;
-    switch (request.ButtonSet) {
-    case Buttons::OkOnly:
-        first = box.addButton(QMessageBox::Ok);
-        break;
-    case Buttons::OkCancel:
-        first = box.addButton(QMessageBox::Ok);
-        second = box.addButton(QMessageBox::Cancel);
-        break;
-    case Buttons::YesNo:
-        first = box.addButton(QMessageBox::Yes);
-        second = box.addButton(QMessageBox::No);
-        break;
-    }
-    box.setDefaultButton(request.DefaultSecond && second ? second : first);
-    box.setEscapeButton(second ? second : first);
-    OpenBoxes().append(&box);
-    ExecWindowModal(box);
-    OpenBoxes().removeAll(&box);
+    const BuiltBox built = BuildBox(parent, request);
+    // The parent may go while the box waits (the program is ended): the box goes with it.
+    const QPointer<QMessageBox> box(built.Box);
+    OpenBoxes().append(box);
+    ExecWindowModal(*box);
+    OpenBoxes().removeAll(box);
+    const bool firstChosen = box && box->clickedButton() == built.First;
+    delete box.data();
+    return AnswerOf(request, firstChosen);
+}
 
-    const bool firstChosen = box.clickedButton() == first;
-    switch (request.ButtonSet) {
-    case Buttons::OkOnly:
-        return Answer::Ok;
-    case Buttons::OkCancel:
-        return firstChosen ? Answer::Ok : Answer::Cancel;
-    case Buttons::YesNo:
-        return firstChosen ? Answer::Yes : Answer::No;
+void MessageBox::Ask(QWidget* parent, const Request& request, std::function<void(Answer)> then)
+{
+    if (Test().On()) {
+        ShownInTest().append(request);
+        then(Test().Take().value_or(DefaultAnswer(request)));
+        return;
     }
-    return Answer::Ok;
+    const BuiltBox built = BuildBox(parent, request);
+    QMessageBox* box = built.Box;
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setWindowModality(Qt::WindowModal);
+    OpenBoxes().append(box);
+    QObject::connect(box, &QMessageBox::finished, box,
+                     [box, first = built.First, request, then = std::move(then)](int) {
+                         then(AnswerOf(request, box->clickedButton() == first));
+                     });
+    box->show();
 }
 
 void MessageBox::Notice(QWidget* parent, const QString& text)

@@ -3,6 +3,8 @@
 #include <QList>
 #include <QString>
 
+#include <functional>
+
 class QWidget;
 
 // The one helper for the program's message boxes and questions.
@@ -46,6 +48,10 @@ public:
     };
 
     static Answer Show(QWidget* parent, const Request& request);
+    // The same question without waiting for it: `then` gets the answer when it is given (in
+    // test mode, before Ask returns). The box blocks its parent's window only and goes with
+    // its parent; `then` is not called when the parent goes first.
+    static void Ask(QWidget* parent, const Request& request, std::function<void(Answer)> then);
 
     // An OK-only message with the program's title.
     static void Notice(QWidget* parent, const QString& text);

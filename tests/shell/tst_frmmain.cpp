@@ -1,5 +1,6 @@
 #include "Desk.h"
 #include "alarms/frmAlarm.h"
+#include "sync/SyncState.h"
 #include "widgets/MessageBox.h"
 #include "widgets/TopMost.h"
 
@@ -528,7 +529,7 @@ private slots:
         QCOMPARE(sync->toolTip(), QStringLiteral("Next Sync: 11:45"));
         QVERIFY(!sync->isHidden());
         QCOMPARE(desk.Status(), QStringLiteral("0 alarms, 0 set, Logging Off, Internet Clock"));
-        desk.window->SetSynchronised(false);
+        desk.window->Sync().SetSynchronised(false);
         desk.window->SyncCheck(0);
         QCOMPARE(sync->palette().color(QPalette::Button), QColor(255, 0, 0));
         // Not synchronised with the UTC rule: the UTC face takes face 1's background.

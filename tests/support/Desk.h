@@ -2,6 +2,7 @@
 
 #include "DeskFiles.h"
 #include "FakePlatform.h"
+#include "FakeTimeQuery.h"
 #include "alarms/AlarmDesk.h"
 #include "alarms/AlarmWindows.h"
 #include "logbook/LogBook.h"
@@ -19,8 +20,10 @@ struct Desk : DeskFiles
     explicit Desk(const QByteArray& ini = {}, bool withSound = true)
         : DeskFiles(ini, withSound), platform(FakePlatform(flash))
     {
+        // The fake setter moves the test's clock as the real one moves the computer's.
+        Setter().Moves = [this](qint64 byMsec) { clock.AdvanceMSecs(byMsec); };
         const MainServices services{clock,          *store,         env.LogFolder(), EnUs,
-                                    SoundFolders(), SoundFactory(), platform};
+                                    SoundFolders(), SoundFactory(), platform,        queries.Factory()};
         window = std::make_unique<frmMain>(services);
     }
 
@@ -40,6 +43,9 @@ struct Desk : DeskFiles
         services.notifier = std::make_unique<FakeDesktopNotifier>();
         return services;
     }
+
+    FakeClockSetter& Setter() const { return static_cast<FakeClockSetter&>(*platform.clockSetter); }
+    FakeDialUpState& DialUp() const { return static_cast<FakeDialUpState&>(*platform.dialUp); }
 
     // The owners inside the main window.
     AlarmTable& Alarms() const { return window->Alarms().Table(); }
@@ -69,5 +75,6 @@ struct Desk : DeskFiles
 
     FakeFlash* flash = nullptr;
     PlatformServices platform;
+    FakeTimeQueries queries;
     std::unique_ptr<frmMain> window;
 };

@@ -6,13 +6,17 @@
 #include "alarms/frmAlarm.h"
 #include "clock/Clock.h"
 #include "platform/PlatformServices.h"
+#include "settings/Preferences.h"
 #include "settings/Settings.h"
 #include "settings/SettingsStore.h"
 #include "shell/frmMain.h"
+#include "shell/frmMessage.h"
 #include "sun/BuildSunTable.h"
 #include "sun/SunTablePrinter.h"
 #include "sun/frmSSTables.h"
 #include "sun/frmView.h"
+#include "sync/SyncState.h"
+#include "sync/frmAutoSync.h"
 #include "widgets/PrintSetup.h"
 
 #include <QApplication>
@@ -32,6 +36,14 @@ class FixedClock final : public Clock
 public:
     QDateTime Now() const override { return At; }
     QDateTime At{QDate(2026, 11, 16), QTime(10, 14, 58)};
+};
+
+// A time server that never answers: the run window stays on "Connecting ...".
+class SilentServer final : public TimeQuery
+{
+public:
+    SntpResult Start(const QString&, int) override { return {}; }
+    void Cancel() override {}
 };
 
 bool Save(QWidget* widget, const QString& path)
@@ -177,6 +189,33 @@ int main(int argc, char* argv[])
     QPrinter printer(QPrinter::HighResolution);
     ok = SunTablePrinter::Print(printer, SunTablePrintLines(place)) && ok;
     PrintSetup::SetTestOutputFile(QString());
+
+    // A sync run waiting for the server, and the notice when it does not answer.
+    Preferences syncPrefs;
+    syncPrefs.Change([](Settings& v) {
+        v.SyncSite = QStringLiteral("pool.ntp.org");
+        v.AutoSync = -1;
+        v.AutoSyncHrs = 1;
+        v.LastSync = QDateTime(QDate(2026, 11, 15), QTime(9, 12, 40));
+    });
+    SyncState syncState(syncPrefs, clock);
+    NullClockSetter noSetter;
+    frmMessage notice;
+    frmAutoSync run(
+        {syncState, syncPrefs, clock, noSetter, [&notice](const QString& text) { notice.SetMessage(text); }},
+        std::make_unique<SilentServer>(), true);
+    run.setAttribute(Qt::WA_DeleteOnClose, false);
+    run.show();
+    run.Form_Activate();
+    if (!QTest::qWaitForWindowExposed(&run))
+        return 1;
+    ok = Save(&run, out.filePath(QStringLiteral("sync-window.png"))) && ok;
+    run.Timer1_Timer();
+    notice.show();
+    if (!QTest::qWaitForWindowExposed(&notice))
+        return 1;
+    ok = Save(&notice, out.filePath(QStringLiteral("sync-notice.png"))) && ok;
+    notice.close();
 
     window.EndSession();
     return ok ? 0 : 1;

@@ -78,6 +78,7 @@ void frmAutoSync::Form_Activate()
     const QString site = m_services.preferences.Values().SyncSite;
     m_label1->setText(QStringLiteral("Tarrowind - now synchronizing clock with: ") + site);
     m_lblStatus->setText(QStringLiteral("Connecting ..."));
+    adjustSize(); // room for the site's name
     m_services.state.SetSynchronised(false);
     m_services.state.SetInProgress(true);
     m_timer1.start(Timer1Interval);

@@ -1,5 +1,7 @@
 #include "Desk.h"
 #include "alarms/frmAlarm.h"
+#include "shell/frmMessage.h"
+#include "sync/SyncScheduler.h"
 #include "widgets/MessageBox.h"
 
 #include <QAbstractButton>
@@ -111,6 +113,24 @@ private slots:
                  QStringLiteral("Expired on\n10:15"));
         QCOMPARE(AccessibleName(w->findChild<QPushButton*>(QStringLiteral("cmdStop"))),
                  QStringLiteral("Terminate"));
+    }
+
+    void syncWindowAndItsNoticeAreReadOutAsTheyShow()
+    {
+        Desk desk("[General]\nAutoSync=-1\nAutoSyncHrs=1\nSyncSite=time.example\nLastSync=2026-11-16 08:00:00\n");
+        QVERIFY(desk.window->Load());
+        frmAutoSync* run = desk.window->Scheduler().Run();
+        QVERIFY(run);
+        CheckReadOutAsShown(run);
+        QCOMPARE(AccessibleName(run->findChild<QLabel*>(QStringLiteral("lblStatus"))),
+                 QStringLiteral("Connecting ..."));
+        run->Timer1_Timer();
+        frmMessage* notice = desk.window->SyncMessage();
+        QVERIFY(notice);
+        CheckReadOutAsShown(notice);
+        QCOMPARE(AccessibleName(notice->findChild<QLabel*>(QStringLiteral("lblMessage"))),
+                 QStringLiteral("Unable to connect to site.\nCheck site address or Intenet connection\n"
+                                "Will try again at: 10:15"));
     }
 
     void switchWorkedByAScreenReaderRunsItsHandler()

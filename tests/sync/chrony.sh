@@ -4,7 +4,7 @@
 # ("local stratum 8") on 127.0.0.1 at a free port, with -x so that it never touches the
 # computer's clock. The program finds the server in TW_NTP_SITE. Skips (77) where the
 # package cannot be had or the server cannot start.
-# Usage: chrony.sh BUILD_DIR PROGRAM
+# Usage: chrony.sh BUILD_DIR PROGRAM [ARGUMENTS...]
 set -euo pipefail
 build="$1"
 program="$2"
@@ -42,4 +42,5 @@ for _ in $(seq 1 50); do
     sleep 0.1
 done
 sleep 0.5
-TW_NTP_SITE="127.0.0.1:$port" "$program"
+shift 2
+TW_NTP_SITE="127.0.0.1:$port" "$program" "$@"

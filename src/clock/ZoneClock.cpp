@@ -2,6 +2,8 @@
 
 #include "clock/Clock.h"
 
+#include <algorithm>
+
 QString ZoneTag(int index)
 {
     return QString::fromUtf16(Zones.at(index).Tag);
@@ -48,7 +50,8 @@ std::optional<QString> ZoneFaceTime(QTime internetNow, int face, int localZone, 
 
 QDateTime NextSync(const QDateTime& lastSync, int autoSyncHrs)
 {
-    return lastSync.addSecs(qint64(autoSyncHrs) * 3600);
+    // An interval below one hour (a hand-edited 0) would ask the server at every minute.
+    return lastSync.addSecs(qint64(std::max(autoSyncHrs, 1)) * 3600);
 }
 
 QString NextSyncToolTip(const QDateTime& lastSync, int autoSyncHrs)

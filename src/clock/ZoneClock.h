@@ -55,7 +55,8 @@ QString InternetNow(const Clock& clock, int inetMinOffset);
 std::optional<QString> ZoneFaceTime(QTime internetNow, int face, int localZone, std::span<const int> offsets,
                                     bool daylightTime);
 
-// "Next Sync: hh:nn" for the sync button: the last sync plus the interval in hours.
+// "Next Sync: hh:nn" for the sync button: the last sync plus the interval in hours (at
+// least one).
 QDateTime NextSync(const QDateTime& lastSync, int autoSyncHrs);
 QString NextSyncToolTip(const QDateTime& lastSync, int autoSyncHrs);
 

@@ -89,6 +89,9 @@ private slots:
         const QDateTime last(QDate(2026, 11, 16), QTime(8, 45));
         QCOMPARE(NextSyncToolTip(last, 24), QStringLiteral("Next Sync: 08:45"));
         QCOMPARE(NextSyncToolTip(last, 3), QStringLiteral("Next Sync: 11:45"));
+        // No interval below an hour: a hand-edited 0 does not ask the server every minute.
+        QCOMPARE(NextSyncToolTip(last, 0), QStringLiteral("Next Sync: 09:45"));
+        QCOMPARE(NextSync(last, -5), last.addSecs(3600));
         QCOMPARE(NextSync(last, 24), last.addDays(1));
     }
 

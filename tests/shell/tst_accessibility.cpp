@@ -117,7 +117,8 @@ private slots:
 
     void syncWindowAndItsNoticeAreReadOutAsTheyShow()
     {
-        Desk desk("[General]\nAutoSync=-1\nAutoSyncHrs=1\nSyncSite=time.example\nLastSync=2026-11-16 08:00:00\n");
+        Desk desk(
+            "[General]\nAutoSync=-1\nAutoSyncHrs=1\nSyncSite=time.example\nLastSync=2026-11-16 08:00:00\n");
         QVERIFY(desk.window->Load());
         frmAutoSync* run = desk.window->Scheduler().Run();
         QVERIFY(run);

@@ -77,7 +77,8 @@ private slots:
         QCOMPARE(MessageBox::Shown().size(), 0);
         QCOMPARE(run.setter.Requests.size(), 1);
         // The server keeps this machine's own clock: the move is that of the loopback.
-        QVERIFY2(qAbs(run.setter.Requests.at(0)) < 50, qPrintable(QString::number(run.setter.Requests.at(0))));
+        QVERIFY2(qAbs(run.setter.Requests.at(0)) < 50,
+                 qPrintable(QString::number(run.setter.Requests.at(0))));
         QVERIFY(run.state.Synchronised());
         QVERIFY(qAbs(run.prefs.Values().LastSync.msecsTo(QDateTime::currentDateTime())) < 2000);
     }
@@ -95,7 +96,8 @@ private slots:
         // the minutes are 7 (one more with a move of a minute back, when the server's
         // second zero fell between the two clocks).
         QVERIFY2(qAbs(moved) < 50 || qAbs(moved + 60000) < 50, qPrintable(QString::number(moved)));
-        QVERIFY2(qAbs(moved + qint64(minutes) * 60000 - 7 * 60000) < 50, qPrintable(QString::number(minutes)));
+        QVERIFY2(qAbs(moved + qint64(minutes) * 60000 - 7 * 60000) < 50,
+                 qPrintable(QString::number(minutes)));
         QVERIFY(run.state.Synchronised());
         QVERIFY(!run.state.ClockBeingSet());
     }

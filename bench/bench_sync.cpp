@@ -28,7 +28,7 @@ namespace {
 class NoMoveSetter final : public ClockSetter
 {
 public:
-    void AdjustClock(qint64, Done done) override { done({true, {}}); }
+    void AdjustClock(qint64, bool, Done done) override { done({true, {}}); }
 };
 
 void Print(const char* key, QList<double> values)

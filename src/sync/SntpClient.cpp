@@ -241,27 +241,34 @@ void SntpClient::ReadReplies()
             m_wrongSender = true;
             continue;
         }
-        // The request this answers, by the originate timestamp it echoes.
-        Request answered = m_sent.constLast();
+        // The request this answers, by the originate timestamp it echoes. A packet that does
+        // not answer one of ours (too short to tell, or echoing none of our timestamps) says
+        // nothing about the server, whatever else it holds: it is set aside, and the query
+        // waits on for the server's own answer.
+        const Request* answered = nullptr;
         if (packet.size() >= PacketSize) {
             const quint64 originate = Read64(packet, 24);
             for (const Request& sent : std::as_const(m_sent))
                 if (sent.Transmit == originate)
-                    answered = sent;
+                    answered = &sent;
         }
         SntpResult failure;
-        const auto reply = ParseSntpReply(packet, answered.Transmit, failure);
+        if (!answered) {
+            if (packet.size() < PacketSize)
+                ParseSntpReply(packet, 0, failure); // says how short it is
+            else
+                failure = Failure(SntpResult::NotOurRequest,
+                                  QStringLiteral("The reply does not answer our request."));
+            m_setAside = failure;
+            continue;
+        }
+        const auto reply = ParseSntpReply(packet, answered->Transmit, failure);
         if (!reply) {
-            // An answer to none of our requests says nothing about the server: wait on.
-            if (failure.ErrorCode == SntpResult::NotOurRequest) {
-                m_setAside = failure;
-                continue;
-            }
             Finish(failure);
             return;
         }
         // T1 and T4 are the local clock's; T2 and T3 the server's.
-        const quint64 t1 = ToNtpTime(answered.SentAt);
+        const quint64 t1 = ToNtpTime(answered->SentAt);
         const quint64 t4 = ToNtpTime(receivedAt);
         SntpResult result;
         result.OffsetMs = (DiffMs(t1, reply->Receive) + DiffMs(t4, reply->Transmit)) / 2;

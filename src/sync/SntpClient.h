@@ -85,9 +85,10 @@ signals:
 // forged answer cannot guess it), and the first acceptable reply from the address and
 // port asked ends the query. A request that gets no answer is sent again, each time after
 // twice the wait, so that one lost packet costs seconds and not the whole query; a reply
-// to any of them is taken with its own sending time. A reply that answers none of them (a
-// forgery, or a stray) is set aside and does not end the query. The answer comes through
-// Done, once.
+// to any of them is taken with its own sending time. A packet that answers none of them (a
+// forgery, a stray, one too short to tell) is set aside and does not end the query; when
+// nothing better comes, the query ends with what was wrong with it. The answer comes
+// through Done, once.
 class SntpClient : public TimeQuery
 {
     Q_OBJECT

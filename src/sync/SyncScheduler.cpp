@@ -34,39 +34,49 @@ void SyncScheduler::StartSync(bool automatic)
     SyncState& state = m_services.state;
     if (m_stopped || state.InProgress())
         return;
-    if (m_services.preferences.Values().Connection == 1 && !m_dialUp.DialUpConnection()) {
+    if (m_services.preferences.Values().Connection == 1) {
+        // While the question is open (or left marked so) nothing is started; asked first, so
+        // that the look at the network is spared too.
         if (state.DialUpPromptOpen())
             return;
-        state.SetDialUpPromptOpen(true);
-        const QPointer<SyncScheduler> self(this);
-        MessageBox::Ask(m_window,
-                        {QStringLiteral("Internet Dial-Up connection not active.\rProceed to connect?"),
-                         QString(), MessageBox::Buttons::YesNo, MessageBox::Icon::Information, false},
-                        [self, automatic](MessageBox::Answer answer) {
-                            if (!self || self->m_stopped)
-                                return;
-                            SyncState& sync = self->m_services.state;
-                            if (answer != MessageBox::Answer::Yes) {
-                                // Without automatic sync the question stays marked open: it is
-                                // not asked again until the program starts again.
-                                if (self->m_services.preferences.Values().AutoSync == 0)
-                                    return;
-                                sync.SetSynchronised(false);
-                                sync.ScheduleRetry(15);
-                                const QString text = QStringLiteral("Will try again at: ") +
-                                                     sync.NextSync().toString(QStringLiteral("HH:mm"));
-                                sync.SetDialUpPromptOpen(false);
-                                self->m_services.showMessage(text);
-                                sync.Refresh();
-                                return;
-                            }
-                            // Answered: the question is no longer on the screen.
-                            sync.SetDialUpPromptOpen(false);
-                            self->OpenRun(automatic);
-                        });
+        if (!m_dialUp.DialUpConnection())
+            AskToDial(automatic);
+        else
+            OpenRun(automatic);
         return;
     }
     OpenRun(automatic);
+}
+
+void SyncScheduler::AskToDial(bool automatic)
+{
+    m_services.state.SetDialUpPromptOpen(true);
+    const QPointer<SyncScheduler> self(this);
+    MessageBox::Ask(m_window,
+                    {QStringLiteral("Internet Dial-Up connection not active.\rProceed to connect?"),
+                     QString(), MessageBox::Buttons::YesNo, MessageBox::Icon::Information, false},
+                    [self, automatic](MessageBox::Answer answer) {
+                        if (!self || self->m_stopped)
+                            return;
+                        SyncState& state = self->m_services.state;
+                        if (answer != MessageBox::Answer::Yes) {
+                            // Without automatic sync the question stays marked open: it is not
+                            // asked again until the program starts again.
+                            if (self->m_services.preferences.Values().AutoSync == 0)
+                                return;
+                            state.SetSynchronised(false);
+                            state.ScheduleRetry(15);
+                            const QString text = QStringLiteral("Will try again at: ") +
+                                                 state.NextSync().toString(QStringLiteral("HH:mm"));
+                            state.SetDialUpPromptOpen(false);
+                            self->m_services.showMessage(text);
+                            state.Refresh();
+                            return;
+                        }
+                        // Answered: the question is no longer on the screen.
+                        state.SetDialUpPromptOpen(false);
+                        self->OpenRun(automatic);
+                    });
 }
 
 void SyncScheduler::OpenRun(bool automatic)

@@ -41,6 +41,7 @@ signals:
     void RunEnded();
 
 private:
+    void AskToDial(bool automatic);
     void OpenRun(bool automatic);
 
     SyncRunServices m_services;

@@ -4,13 +4,6 @@
 #include "clock/ZoneClock.h"
 #include "settings/Preferences.h"
 
-namespace {
-
-// A clock change noticed within this time of the program's own setting is taken as its own.
-constexpr qint64 OwnChangeMsec = 5000;
-
-} // namespace
-
 SyncState::SyncState(Preferences& preferences, const Clock& clock, QObject* parent)
     : QObject(parent), m_preferences(preferences), m_clock(clock)
 {}
@@ -51,7 +44,7 @@ void SyncState::SetDialUpPromptOpen(bool on)
 
 bool SyncState::OwnClockChangeRecent() const
 {
-    return m_clockBeingSet || (m_sinceOwnChange.isValid() && m_sinceOwnChange.elapsed() < OwnChangeMsec);
+    return m_clockBeingSet || (m_sinceOwnChange.isValid() && m_sinceOwnChange.elapsed() < m_ownChangeMsec);
 }
 
 QDateTime SyncState::InternetNow() const

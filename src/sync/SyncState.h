@@ -34,6 +34,8 @@ public:
     // Whether a clock change just noticed is likely the program's own: one made by a run
     // less than a few seconds ago (the notice may come after the run has ended).
     bool OwnClockChangeRecent() const;
+    // How long after the program's own setting a change counts as its own (tests shorten it).
+    void SetOwnChangeWindow(int msec) { m_ownChangeMsec = msec; }
 
     // The present date and time corrected by the Internet minute offset.
     QDateTime InternetNow() const;
@@ -67,4 +69,5 @@ private:
     bool m_clockBeingSet = false;
     bool m_dialUpPromptOpen = false;
     QElapsedTimer m_sinceOwnChange;
+    int m_ownChangeMsec = 5000;
 };

@@ -120,12 +120,15 @@ void frmAutoSync::SetSecondsOnly(const SntpResult& result)
     m_phase = Phase::Setting;
     m_cmdCancel->setEnabled(false);
     m_services.state.SetClockBeingSet(true);
-    const QDateTime now = m_services.clock.Now();
-    const QTime serverTime = now.addMSecs(result.OffsetMs).time();
-    const QDateTime target(now.date(), QTime(now.time().hour(), now.time().minute()), now.timeSpec());
-    const qint64 by = now.msecsTo(target.addMSecs(serverTime.second() * 1000 + serverTime.msec()));
+    // Counted on the time line, not on the wall clock: the hour a daylight-time change
+    // repeats cannot confuse it.
+    const qint64 now = m_services.clock.Now().toMSecsSinceEpoch();
+    const auto withinMinute = [](qint64 msec) { return ((msec % 60000) + 60000) % 60000; };
+    const qint64 by = withinMinute(now + result.OffsetMs) - withinMinute(now);
     const QPointer<frmAutoSync> self(this);
-    m_services.setter.AdjustClock(by, [self, result, by](const ClockSetResult& set) {
+    // Passed over when it fails, so the operator is not asked for the right: the main tick
+    // waits for the answer, which then comes at once.
+    m_services.setter.AdjustClock(by, false, [self, result, by](const ClockSetResult& set) {
         // Any error in setting the seconds is passed over: the offset still gives the time.
         if (self)
             self->SecondsSet(result, set.Ok ? by : 0);
@@ -148,7 +151,7 @@ void frmAutoSync::SetFull(const SntpResult& result)
         m_cmdCancel->setEnabled(false);
         // Moved by the offset, so that a question answered late still sets the right time.
         const QPointer<frmAutoSync> self(this);
-        m_services.setter.AdjustClock(result.OffsetMs, [self, result](const ClockSetResult& done) {
+        m_services.setter.AdjustClock(result.OffsetMs, true, [self, result](const ClockSetResult& done) {
             if (!self)
                 return;
             if (done.Ok)
@@ -266,6 +269,7 @@ void frmAutoSync::cmdCancel_Click()
     m_time1->Cancel();
     m_services.state.SetInProgress(false);
     m_services.state.ScheduleRetry(15);
+    m_services.state.Refresh();
     emit Ended();
     close();
 }
@@ -303,8 +307,10 @@ void frmAutoSync::reject()
         m_phase = Phase::Over;
         m_timer1.stop();
         m_time1->Cancel();
-        if (started)
+        if (started) {
             m_services.state.SetInProgress(false);
+            m_services.state.Refresh();
+        }
         emit Ended();
     }
     QDialog::reject();

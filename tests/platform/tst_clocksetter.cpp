@@ -42,10 +42,10 @@ void ReplaceSetTime(const QString& code)
 }
 
 // Asks the setter to move the clock and waits for its answer.
-ClockSetResult Adjust(LinuxClockSetter& setter, qint64 byMsec)
+ClockSetResult Adjust(LinuxClockSetter& setter, qint64 byMsec, bool mayAsk = true)
 {
     std::optional<ClockSetResult> result;
-    setter.AdjustClock(byMsec, [&result](const ClockSetResult& r) { result = r; });
+    setter.AdjustClock(byMsec, mayAsk, [&result](const ClockSetResult& r) { result = r; });
     QDeadlineTimer deadline(10000);
     while (!result && !deadline.hasExpired())
         QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
@@ -96,6 +96,15 @@ private slots:
                             QStringLiteral("TwInteractive"));
         QVERIFY(interactive.isValid());
         QVERIFY(interactive.value().toBool());
+
+        // Without the operator to ask, the service is told so.
+        const ClockSetResult quiet = Adjust(setter, 2000, false);
+        QVERIFY2(quiet.Ok, qPrintable(quiet.Reason));
+        const QDBusReply<QVariant> notInteractive =
+            properties.call(QStringLiteral("Get"), QStringLiteral("org.freedesktop.timedate1"),
+                            QStringLiteral("TwInteractive"));
+        QVERIFY(notInteractive.isValid());
+        QVERIFY(!notInteractive.value().toBool());
     }
 
     void refusalOfTheTimeServiceIsToldWithItsReason()

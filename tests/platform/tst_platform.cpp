@@ -17,7 +17,7 @@ private slots:
         NullClockSetter setter;
         for (const qint64 by : {qint64(0), qint64(90000), qint64(-5000)}) {
             std::optional<ClockSetResult> result;
-            setter.AdjustClock(by, [&result](const ClockSetResult& r) { result = r; });
+            setter.AdjustClock(by, true, [&result](const ClockSetResult& r) { result = r; });
             QVERIFY(result.has_value());
             QVERIFY(!result->Ok);
             QCOMPARE(result->Reason,
@@ -98,20 +98,21 @@ private slots:
         setter.Moves = [&moved](qint64 by) { moved += by; };
         QList<ClockSetResult> answers;
         const auto record = [&answers](const ClockSetResult& r) { answers.append(r); };
-        setter.AdjustClock(90000, record);
+        setter.AdjustClock(90000, true, record);
         setter.Next = {false, QStringLiteral("No permission")};
-        setter.AdjustClock(-2000, record);
+        setter.AdjustClock(-2000, false, record);
         QCOMPARE(answers.size(), 2);
         QVERIFY(answers.at(0).Ok);
         QVERIFY(!answers.at(1).Ok);
         QCOMPARE(answers.at(1).Reason, QStringLiteral("No permission"));
         QCOMPARE(setter.Requests, (QList<qint64>{90000, -2000}));
         QCOMPARE(moved, 90000); // a refused request moves nothing
+        QCOMPARE(setter.MayAsk, (QList<bool>{true, false}));
 
         // Held back: no answer until the test gives it.
         setter.Next = {true, {}};
         setter.Hold = true;
-        setter.AdjustClock(3000, record);
+        setter.AdjustClock(3000, true, record);
         QCOMPARE(answers.size(), 2);
         QCOMPARE(setter.Waiting(), 1);
         setter.Answer();

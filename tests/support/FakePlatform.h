@@ -24,9 +24,10 @@
 class FakeClockSetter final : public ClockSetter
 {
 public:
-    void AdjustClock(qint64 byMsec, Done done) override
+    void AdjustClock(qint64 byMsec, bool mayAsk, Done done) override
     {
         Requests.append(byMsec);
+        MayAsk.append(mayAsk);
         if (Hold) {
             m_waiting.append(std::move(done));
             return;
@@ -47,6 +48,7 @@ public:
     bool Hold = false;
     std::function<void(qint64)> Moves;
     QList<qint64> Requests;
+    QList<bool> MayAsk;
 
 private:
     void Carry(qint64 byMsec, const Done& done)
@@ -99,12 +101,17 @@ public:
     QList<bool> Requests;
 };
 
-// Answers whatever the test set.
+// Answers whatever the test set, and counts the questions.
 class FakeDialUpState final : public DialUpState
 {
 public:
-    bool DialUpConnection() const override { return DialUp; }
+    bool DialUpConnection() const override
+    {
+        ++Asked;
+        return DialUp;
+    }
     bool DialUp = false;
+    mutable int Asked = 0;
 };
 
 // Records every notice shown and every key withdrawn.

@@ -111,6 +111,8 @@ private slots:
         QCOMPARE(MessageBox::Shown().size(), 0);
         // The whole difference, to the millisecond, date and all.
         QCOMPARE(run.setter.Requests, QList<qint64>{offset});
+        // The operator may be asked for the right to set the clock.
+        QCOMPARE(run.setter.MayAsk, QList<bool>{true});
         QCOMPARE(run.clock.Now(), Start.addMSecs(offset));
         QCOMPARE(run.Status(), QStringLiteral("Time set"));
         QVERIFY(run.state.Synchronised());
@@ -225,6 +227,32 @@ private slots:
         QCOMPARE(run.setter.Requests, QList<qint64>{0});
         QCOMPARE(run.prefs.Values().InetMinOffset, 7);
         QCOMPARE(run.clock.Now(), Start);
+    }
+
+    void secondsNearTheEndOfAMinuteMayMoveTheClockBackAMinute()
+    {
+        // 10:00:58 here, 10:01:01 there: hours and minutes are kept, the seconds become 01,
+        // and the minute is in the offset. The corrected time is the server's.
+        Run run(true);
+        run.clock.Set(QDateTime(Start.date(), QTime(10, 0, 58)));
+        run.Begin();
+        run.time1->Finish(ServerAnswer(run.clock, 3000));
+        QCOMPARE(run.setter.Requests, QList<qint64>{-57000});
+        QCOMPARE(run.setter.MayAsk, QList<bool>{false});
+        QCOMPARE(run.clock.Now(), QDateTime(Start.date(), QTime(10, 0, 1)));
+        QCOMPARE(run.prefs.Values().InetMinOffset, 1);
+        QCOMPARE(run.state.InternetNow(), QDateTime(Start.date(), QTime(10, 1, 1)));
+    }
+
+    void serverBehindMovesTheSecondsAndGivesANegativeOffset()
+    {
+        // 10:00:20 here, 09:57:15 there.
+        Run run(true);
+        run.Begin();
+        run.time1->Finish(ServerAnswer(run.clock, -(3 * Minute + 5000)));
+        QCOMPARE(run.setter.Requests, QList<qint64>{-5000});
+        QCOMPARE(run.prefs.Values().InetMinOffset, -3);
+        QCOMPARE(run.state.InternetNow(), QDateTime(Start.date(), QTime(9, 57, 15)));
     }
 
     void clockBeingSetIsRaisedUntilTheSetterAnswers()
@@ -420,6 +448,9 @@ private slots:
         QCOMPARE(run.prefs.Values().LastSync, lastSync);
         QVERIFY(run.messages.isEmpty());
         QVERIFY(run.setter.Requests.isEmpty());
+        // The button shows that this run did not synchronise.
+        QCOMPARE(run.refreshes, 1);
+        QVERIFY(!run.state.Synchronised());
     }
 
     void escapeIsTheFrame()

@@ -220,8 +220,10 @@ private slots:
         QVERIFY(desk.window->Sync().DialUpPromptOpen());
         QVERIFY(!desk.window->Scheduler().Run());
         QVERIFY(!desk.window->SyncMessage());
-        // Until the program starts again, no run and no question.
+        // Until the program starts again, no run and no question (nor a look at the network).
+        QCOMPARE(desk.DialUp().Asked, 1);
         desk.window->SyncCheck(2);
+        QCOMPARE(desk.DialUp().Asked, 1);
         QCOMPARE(MessageBox::Shown().size(), 1);
         QVERIFY(!desk.window->Scheduler().Run());
         QVERIFY(desk.queries.Made.isEmpty());

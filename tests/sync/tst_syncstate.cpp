@@ -115,6 +115,9 @@ private slots:
         QVERIFY(state.OwnClockChangeRecent());
         state.SetClockBeingSet(false);
         QVERIFY(state.OwnClockChangeRecent());
+        // A change noticed once the few seconds are over is someone else's.
+        state.SetOwnChangeWindow(50);
+        QTRY_VERIFY_WITH_TIMEOUT(!state.OwnClockChangeRecent(), 2000);
     }
 };
 

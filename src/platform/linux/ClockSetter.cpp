@@ -11,6 +11,8 @@ namespace {
 
 // The operator may be asked for a password: the call waits that long before it gives up.
 constexpr int InteractiveTimeoutMsec = 60000;
+// Without a question the service answers at once.
+constexpr int TimeoutMsec = 5000;
 
 const QString TimeService = QStringLiteral("org.freedesktop.timedate1");
 
@@ -24,7 +26,7 @@ LinuxClockSetter::~LinuxClockSetter()
     qDeleteAll(m_calls.children());
 }
 
-void LinuxClockSetter::AdjustClock(qint64 byMsec, Done done)
+void LinuxClockSetter::AdjustClock(qint64 byMsec, bool mayAsk, Done done)
 {
     // A program that may set the clock (CAP_SYS_TIME) moves it itself, from the present
     // reading of the clock.
@@ -41,8 +43,8 @@ void LinuxClockSetter::AdjustClock(qint64 byMsec, Done done)
         }
     }
 
-    // Otherwise the system's time service is asked, interactively, so that the desktop may
-    // ask the operator for the right to do it.
+    // Otherwise the system's time service is asked; when the operator may be asked, the
+    // desktop may ask for the right to do it.
     const ClockSetResult noService{false,
                                    QStringLiteral("The computer's clock was not set: Tarrowind may not "
                                                   "set it, and the system's time service is not there "
@@ -54,9 +56,10 @@ void LinuxClockSetter::AdjustClock(qint64 byMsec, Done done)
     }
     QDBusMessage call = QDBusMessage::createMethodCall(
         TimeService, QStringLiteral("/org/freedesktop/timedate1"), TimeService, QStringLiteral("SetTime"));
-    call << QVariant::fromValue(qint64(byMsec * 1000)) << true << true;
-    call.setInteractiveAuthorizationAllowed(true);
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, InteractiveTimeoutMsec), &m_calls);
+    call << QVariant::fromValue(qint64(byMsec * 1000)) << true << mayAsk;
+    call.setInteractiveAuthorizationAllowed(mayAsk);
+    auto* watcher = new QDBusPendingCallWatcher(
+        bus.asyncCall(call, mayAsk ? InteractiveTimeoutMsec : TimeoutMsec), &m_calls);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
                      [done = std::move(done), noService](QDBusPendingCallWatcher* finished) {
                          finished->deleteLater();

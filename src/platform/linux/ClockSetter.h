@@ -14,7 +14,7 @@ class LinuxClockSetter final : public ClockSetter
 public:
     LinuxClockSetter();
     ~LinuxClockSetter() override;
-    void AdjustClock(qint64 byMsec, Done done) override;
+    void AdjustClock(qint64 byMsec, bool mayAsk, Done done) override;
 
 private:
     // Parent of the bus calls under way: they end with the setter.

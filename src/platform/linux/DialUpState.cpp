@@ -2,24 +2,30 @@
 
 #include <QDBusArgument>
 #include <QDBusConnection>
-#include <QDBusInterface>
+#include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusReply>
+#include <QDBusVariant>
 #include <QNetworkInterface>
 
 namespace {
 
 const QString Service = QStringLiteral("org.freedesktop.NetworkManager");
 
+// NetworkManager answers at once; a bus or service that hangs must not hold up the window.
+constexpr int CallTimeoutMsec = 2000;
+
 QVariant Property(const QString& path, const QString& interface, const QString& name)
 {
-    QDBusInterface properties(Service, path, QStringLiteral("org.freedesktop.DBus.Properties"),
-                              QDBusConnection::systemBus());
-    if (!properties.isValid())
+    QDBusConnection bus = QDBusConnection::systemBus();
+    if (!bus.isConnected())
         return {};
-    const QDBusReply<QVariant> reply = properties.call(QStringLiteral("Get"), interface, name);
-    return reply.isValid() ? reply.value() : QVariant();
+    QDBusMessage get = QDBusMessage::createMethodCall(
+        Service, path, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    get << interface << name;
+    const QDBusReply<QDBusVariant> reply = bus.call(get, QDBus::Block, CallTimeoutMsec);
+    return reply.isValid() ? reply.value().variant() : QVariant();
 }
 
 bool NetworkManagerHasDialUp()

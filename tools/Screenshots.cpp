@@ -165,7 +165,7 @@ int main(int argc, char* argv[])
     here.LatMin = QStringLiteral("52");
     here.LongDeg = QStringLiteral("87");
     here.LongMin = QStringLiteral("38");
-    frmSSTables tables(here);
+    frmSSTables tables(here, 2026);
     tables.show();
     if (!QTest::qWaitForWindowExposed(&tables))
         return 1;

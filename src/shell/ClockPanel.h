@@ -22,6 +22,7 @@ public:
     QLabel* Face(int index) const { return m_faces.at(std::size_t(index)); }
     QLineEdit* Seconds() const { return m_seconds; }
     QPushButton* SyncButton() const { return m_sync; }
+    QToolButton* HelpImage() const { return m_help; }
     QToolButton* OnTopImage() const { return m_onTop; }
     QToolButton* NotTopImage() const { return m_notTop; }
 

@@ -8,6 +8,7 @@
 #include "calc/CalcPanel.h"
 #include "clock/Clock.h"
 #include "clock/ZoneClock.h"
+#include "help/frmHelp.h"
 #include "logbook/LogBook.h"
 #include "logbook/LogPanel.h"
 #include "logbook/LogViewer.h"
@@ -31,23 +32,29 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QShortcut>
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 
 frmMain::frmMain(const MainServices& services, QWidget* parent)
-    : QWidget(parent), m_clock(services.clock), m_store(services.store), m_locale(services.locale),
+    : QWidget(parent), m_clock(services.clock), m_store(services.store), m_dataFolders(services.dataFolders),
+      m_startAtLogin(*services.platform.startAtLogin), m_locale(services.locale),
       m_preferences(std::make_unique<Preferences>()),
       m_log(std::make_unique<LogBook>(services.logFolder, services.clock, services.locale)),
       m_viewer(std::make_unique<LogViewer>(*m_log, services.clock, services.locale)),
       m_alarms(std::make_unique<AlarmDesk>(services.store, *m_log, services.clock, *m_preferences)),
-      m_alarmWindows(std::make_unique<AlarmWindows>(*m_alarms, *m_preferences, services.soundFolders,
+      m_alarmWindows(std::make_unique<AlarmWindows>(*m_alarms, *m_preferences, services.dataFolders,
                                                     services.makeSound, *services.platform.flash, this)),
       m_sync(std::make_unique<SyncState>(*m_preferences, services.clock))
 {
@@ -115,6 +122,12 @@ void frmMain::BuildLayout()
     connect(m_picMain->OnTopImage(), &QToolButton::clicked, this, &frmMain::imgOnTop_Click);
     connect(m_picMain->NotTopImage(), &QToolButton::clicked, this, &frmMain::imgNotTop_Click);
     connect(m_picMain->SyncButton(), &QPushButton::clicked, this, [this] { SyncCheck(2); });
+    connect(m_picMain->HelpImage(), &QToolButton::clicked, this, &frmMain::Image3_Click);
+    // F1 is the help picture; with Ctrl, the help document of the current folder.
+    connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this,
+            &frmMain::Image3_Click);
+    connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_F1), this), &QShortcut::activated, this,
+            &frmMain::ShowLocalHelp);
     connect(m_picCalc->CloseButton(), &QPushButton::clicked, this, [this] { ClosePanel(m_picCalc); });
     connect(m_picCalc->TablesButton(), &QPushButton::clicked, this, &frmMain::cmdTables_Click);
     // The calculator fills its departure with the corrected time and works out its
@@ -190,8 +203,15 @@ QFont frmMain::ClockFont() const
 
 frmClockProps& frmMain::ClockProps()
 {
-    if (!m_clockProps)
-        m_clockProps = std::make_unique<frmClockProps>(this);
+    if (!m_clockProps) {
+        m_clockProps = std::make_unique<frmClockProps>(
+            ClockPropsServices{*m_preferences, *m_sync, *m_scheduler, m_startAtLogin, m_clock}, this);
+        // OK checks the coordinates: sunrise and sunset are shown by them, or not at all.
+        connect(m_clockProps.get(), &frmClockProps::SunDisplayChanged, this, [this](bool on) {
+            m_coordinatesValid = on;
+            ShowSunLine();
+        });
+    }
     return *m_clockProps;
 }
 
@@ -374,7 +394,7 @@ void frmMain::ShowSunLine()
 void frmMain::cmdTables_Click()
 {
     try {
-        frmSSTables tables(m_preferences->Values(), this);
+        frmSSTables tables(m_preferences->Values(), m_clock.Today().year(), this);
         ExecWindowModal(tables);
     } catch (const std::exception& error) {
         MessageBox::Notice(this, QStringLiteral("Unable to show the tables: ") +
@@ -430,6 +450,7 @@ void frmMain::stsBar_PanelClick(const QString& key)
         } else if (key == u"Props") {
             frmClockProps& props = ClockProps();
             props.FillOwnZoneList(m_preferences->Values().Zone);
+            props.Form_Load();
             SetTopMost(&props, true);
             ExecWindowModal(props);
             ShowStatus();
@@ -440,6 +461,46 @@ void frmMain::stsBar_PanelClick(const QString& key)
     } catch (const std::exception&) {
         // A failing click ends quietly.
     }
+}
+
+void frmMain::Image3_Click()
+{
+    // The user guide installed with the program, found wherever the program was started from.
+    QString path;
+    for (const QString& folder : std::as_const(m_dataFolders)) {
+        const QString candidate = QDir(folder).filePath(QStringLiteral("Help.RTF"));
+        if (QFileInfo::exists(candidate)) {
+            path = QDir::cleanPath(candidate);
+            break;
+        }
+    }
+    if (path.isEmpty()) {
+        const QString expected =
+            m_dataFolders.isEmpty()
+                ? QStringLiteral("Help.RTF")
+                : QDir::cleanPath(QDir(m_dataFolders.constFirst()).filePath(QStringLiteral("Help.RTF")));
+        MessageBox::Notice(
+            this, frmHelp::CannotOpen(expected, ENOENT, QString::fromLocal8Bit(std::strerror(ENOENT))));
+        return;
+    }
+    auto* help = new frmHelp(this);
+    help->setAttribute(Qt::WA_DeleteOnClose);
+    if (!help->Form_Load(path)) {
+        delete help;
+        return;
+    }
+    help->show();
+}
+
+void frmMain::ShowLocalHelp()
+{
+    auto* help = new frmHelp(this);
+    help->setAttribute(Qt::WA_DeleteOnClose);
+    if (!help->Form_Load()) {
+        delete help;
+        return;
+    }
+    help->show();
 }
 
 void frmMain::imgOnTop_Click()

@@ -25,6 +25,7 @@ class LogPanel;
 class LogViewer;
 class Preferences;
 class SettingsStore;
+class StartAtLogin;
 class SyncScheduler;
 class SyncState;
 class TimeQuery;
@@ -33,7 +34,8 @@ class frmMessage;
 struct PlatformServices;
 
 // What the main window is given from outside: the clock, the settings store, where the
-// logs live, the locale of dates, where the program's own sounds are installed, the sound
+// logs live, the locale of dates, where the program's own files (the default sound, the
+// help document) are installed, the sound
 // player of this system, the operating system's services and the query of a time server
 // (SNTP when none is given). main.cpp creates them; tests hand in their own.
 struct MainServices
@@ -42,7 +44,7 @@ struct MainServices
     SettingsStore& store;
     QString logFolder;
     QLocale locale;
-    QStringList soundFolders;
+    QStringList dataFolders;
     std::function<std::unique_ptr<AlarmSound>(QObject*)> makeSound;
     PlatformServices& platform;
     std::function<std::unique_ptr<TimeQuery>(QObject*)> makeTimeQuery = {};
@@ -90,6 +92,10 @@ public:
     void cmdTables_Click();
     void imgOnTop_Click();
     void imgNotTop_Click();
+    // The help picture: the user guide installed with the program.
+    void Image3_Click();
+    // The help document "Help.RTF" of the current folder (F1 with Ctrl).
+    void ShowLocalHelp();
 
     // The owners of the program's state, for the shell's own use and for tests.
     Preferences& Prefs() { return *m_preferences; }
@@ -99,6 +105,8 @@ public:
     LogViewer& Viewer() { return *m_viewer; }
     SyncState& Sync() { return *m_sync; }
     SyncScheduler& Scheduler() { return *m_scheduler; }
+    // The properties dialog, loaded unseen on first use.
+    frmClockProps& ClockProps();
     // The notice of a failed sync, while it is open.
     frmMessage* SyncMessage() const;
     bool IsStopped() const { return m_stopped; }
@@ -131,10 +139,11 @@ private:
     QFont ClockFont() const;
     // Hours from UTC of the local zone in standard time.
     int LocalZoneOffset() const;
-    frmClockProps& ClockProps();
 
     const Clock& m_clock;
     SettingsStore& m_store;
+    QStringList m_dataFolders;
+    StartAtLogin& m_startAtLogin;
     QLocale m_locale;
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<LogBook> m_log;

@@ -18,6 +18,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <exception>
@@ -41,7 +42,9 @@ constexpr std::array<ZoneEntry, 6> ZoneEntries{{
 }};
 
 constexpr int FirstYear = 1998;
-constexpr int LastYear = 2010;
+// At least the years the dialog always offered, and this year's table and the next ten.
+constexpr int LastListedYear = 2010;
+constexpr int YearsAhead = 10;
 
 // A box for a few digits; the digits typed are its text.
 QLineEdit* DigitsBox(const QString& name, const QString& accessible, int digits, const QString& text)
@@ -62,7 +65,7 @@ QLabel* Label(const QString& text)
 
 } // namespace
 
-frmSSTables::frmSSTables(const Settings& settings, QWidget* parent)
+frmSSTables::frmSSTables(const Settings& settings, int thisYear, QWidget* parent)
     : QDialog(parent), m_txtLabel(Named(new QLineEdit(QStringLiteral("Local")), QStringLiteral("txtLabel"),
                                         QStringLiteral("Location Name"))),
       m_edtLat(DigitsBox(QStringLiteral("edtLat"), QStringLiteral("Latitude degrees"), 2, settings.LatDeg)),
@@ -91,7 +94,7 @@ frmSSTables::frmSSTables(const Settings& settings, QWidget* parent)
     m_cboTimeZone->setCurrentIndex(
         settings.Zone >= 0 && settings.Zone < int(ZoneEntries.size()) ? settings.Zone : -1);
     m_chkDayLight->setChecked(settings.DayLight != 0);
-    for (int year = FirstYear; year <= LastYear; ++year)
+    for (int year = FirstYear; year <= std::max(LastListedYear, thisYear + YearsAhead); ++year)
         m_cboYear->addItem(QString::number(year), year);
     m_cboYear->setCurrentIndex(0);
 

@@ -19,8 +19,9 @@ class frmSSTables : public QDialog
     Q_OBJECT
 public:
     // Takes the daylight box and the zone from the settings, and the place's coordinates
-    // as the settings hold them.
-    explicit frmSSTables(const Settings& settings, QWidget* parent = nullptr);
+    // as the settings hold them. The years offered run from 1998 to ten years past
+    // `thisYear`.
+    frmSSTables(const Settings& settings, int thisYear, QWidget* parent = nullptr);
 
     void cmdCalculate_Click();
     void cmdClose_Click();

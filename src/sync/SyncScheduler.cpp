@@ -29,7 +29,7 @@ void SyncScheduler::ClockChanged()
         StartSync(true);
 }
 
-void SyncScheduler::StartSync(bool automatic)
+void SyncScheduler::StartSync(bool automatic, QWidget* over)
 {
     SyncState& state = m_services.state;
     if (m_stopped || state.InProgress())
@@ -40,22 +40,23 @@ void SyncScheduler::StartSync(bool automatic)
         if (state.DialUpPromptOpen())
             return;
         if (!m_dialUp.DialUpConnection())
-            AskToDial(automatic);
+            AskToDial(automatic, over);
         else
-            OpenRun(automatic);
+            OpenRun(automatic, over);
         return;
     }
-    OpenRun(automatic);
+    OpenRun(automatic, over);
 }
 
-void SyncScheduler::AskToDial(bool automatic)
+void SyncScheduler::AskToDial(bool automatic, QWidget* over)
 {
     m_services.state.SetDialUpPromptOpen(true);
     const QPointer<SyncScheduler> self(this);
-    MessageBox::Ask(m_window,
+    const QPointer<QWidget> parent(over ? over : m_window.data());
+    MessageBox::Ask(parent,
                     {QStringLiteral("Internet Dial-Up connection not active.\rProceed to connect?"),
                      QString(), MessageBox::Buttons::YesNo, MessageBox::Icon::Information, false},
-                    [self, automatic](MessageBox::Answer answer) {
+                    [self, automatic, parent](MessageBox::Answer answer) {
                         if (!self || self->m_stopped)
                             return;
                         SyncState& state = self->m_services.state;
@@ -75,15 +76,15 @@ void SyncScheduler::AskToDial(bool automatic)
                         }
                         // Answered: the question is no longer on the screen.
                         state.SetDialUpPromptOpen(false);
-                        self->OpenRun(automatic);
+                        self->OpenRun(automatic, parent);
                     });
 }
 
-void SyncScheduler::OpenRun(bool automatic)
+void SyncScheduler::OpenRun(bool automatic, QWidget* over)
 {
     if (m_stopped || m_services.state.InProgress() || m_run)
         return;
-    auto* run = new frmAutoSync(m_services, m_makeQuery(nullptr), automatic, m_window);
+    auto* run = new frmAutoSync(m_services, m_makeQuery(nullptr), automatic, over ? over : m_window.data());
     m_run = run;
     // Over when it says so; the window itself goes a moment later.
     connect(run, &frmAutoSync::Ended, this, [this, run] {

@@ -24,8 +24,10 @@ public:
                   QWidget* window);
     ~SyncScheduler() override;
 
-    // Starts a run, unless one is under way; `automatic` when the schedule asks for it.
-    void StartSync(bool automatic);
+    // Starts a run, unless one is under way; `automatic` when the schedule asks for it. The
+    // run (and the dial-up question) is shown over `over` when given (a dialog that started
+    // it), otherwise over the main window.
+    void StartSync(bool automatic, QWidget* over = nullptr);
     // The schedule's check: a run starts when Internet now has reached the next sync.
     void CheckSchedule();
     // The system's clock was changed: with automatic sync on, a run starts at once, unless
@@ -41,8 +43,8 @@ signals:
     void RunEnded();
 
 private:
-    void AskToDial(bool automatic);
-    void OpenRun(bool automatic);
+    void AskToDial(bool automatic, QWidget* over);
+    void OpenRun(bool automatic, QWidget* over);
 
     SyncRunServices m_services;
     const DialUpState& m_dialUp;

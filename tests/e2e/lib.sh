@@ -41,11 +41,16 @@ e2e_start() {
     LD_PRELOAD=$FAKETIME_LIB FAKETIME="@$1" FAKETIME_DONT_FAKE_MONOTONIC=1 "$WORK/program/tarrowind" &
     pid=$!
 }
+# How many windows carry exactly the title $1 (not counting a window class of that name).
+e2e_count_title() {
+    xwininfo -root -tree 2>/dev/null |
+        awk -v t="\"$1\":" '{ sub(/^ *0x[0-9a-f]+ /, ""); if (index($0, t) == 1) n++ } END { print n + 0 }'
+}
 # Waits up to $2 seconds until at least $3 (default 1) windows carry the title $1.
 e2e_wait_title() {
     local want=${3:-1}
     for _ in $(seq 1 $(( $2 * 10 ))); do
-        [ "$(xwininfo -root -tree 2>/dev/null | grep -cF "\"$1\"")" -ge "$want" ] && return 0
+        [ "$(e2e_count_title "$1")" -ge "$want" ] && return 0
         kill -0 "$pid" 2>/dev/null || { echo "e2e: the program ended early"; return 4; }
         sleep 0.1
     done

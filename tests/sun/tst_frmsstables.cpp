@@ -70,7 +70,8 @@ QStringList PdfPages(const QString& pdf)
 // The dialog with the viewer replaced by a record of what it would show.
 struct Tables
 {
-    explicit Tables(int zone = 3, int dayLight = 0) : settings(DeskSettings(zone, dayLight)), dialog(settings)
+    explicit Tables(int zone = 3, int dayLight = 0, int thisYear = 2026)
+        : settings(DeskSettings(zone, dayLight)), dialog(settings, thisYear)
     {
         dialog.SetViewOpener([this](QWidget*, const SunTablePlace& place) { shown << place; });
     }
@@ -136,11 +137,19 @@ private slots:
         QCOMPARE(t.dialog.findChild<QComboBox*>(QStringLiteral("cboTimeZone"))->currentIndex(), 4);
         QVERIFY(t.dialog.findChild<QCheckBox*>(QStringLiteral("chkDayLight"))->isChecked());
         auto* years = t.dialog.findChild<QComboBox*>(QStringLiteral("cboYear"));
-        QCOMPARE(years->count(), 13);
+        // 1998 to ten years past this year (2026): this year's table can be made.
+        QCOMPARE(years->count(), 39);
         QCOMPARE(years->itemText(0), QStringLiteral("1998"));
         QCOMPARE(years->itemText(12), QStringLiteral("2010"));
+        QCOMPARE(years->itemText(28), QStringLiteral("2026"));
+        QCOMPARE(years->itemText(38), QStringLiteral("2036"));
         QCOMPARE(years->itemData(5).toInt(), 2003);
         QCOMPARE(years->currentText(), QStringLiteral("1998"));
+        // A clock set far back still offers every year the dialog always offered.
+        Tables old(4, 1, 1990);
+        auto* oldYears = old.dialog.findChild<QComboBox*>(QStringLiteral("cboYear"));
+        QCOMPARE(oldYears->count(), 13);
+        QCOMPARE(oldYears->itemText(12), QStringLiteral("2010"));
         Tables plain(1, 0);
         QVERIFY(!plain.dialog.findChild<QCheckBox*>(QStringLiteral("chkDayLight"))->isChecked());
     }

@@ -1,0 +1,47 @@
+#include "help/frmHelp.h"
+
+#include "widgets/MessageBox.h"
+#include "widgets/RtfReader.h"
+
+#include <QFile>
+#include <QTextEdit>
+#include <QVBoxLayout>
+
+#include <cerrno>
+#include <cstring>
+
+frmHelp::frmHelp(QWidget* parent) : QDialog(parent), m_rtfHelp(new QTextEdit(this))
+{
+    setObjectName(QStringLiteral("frmHelp"));
+    setWindowTitle(QStringLiteral("Tarrowind Help"));
+    m_rtfHelp->setObjectName(QStringLiteral("rtfHelp"));
+    m_rtfHelp->setAccessibleName(QStringLiteral("Help"));
+    m_rtfHelp->setReadOnly(true);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_rtfHelp);
+    resize(640, 560);
+}
+
+QString frmHelp::CannotOpen(const QString& file, int number, const QString& description)
+{
+    return QStringLiteral("Can't open ") + file + u'\r' + QString::number(number) + u'-' + description;
+}
+
+bool frmHelp::Form_Load(const QString& path)
+{
+    QFile file(path);
+    errno = 0;
+    if (!file.open(QIODevice::ReadOnly)) {
+        // The system's own number and words for why it could not be opened.
+        const int number = errno != 0 ? errno : ENOENT;
+        MessageBox::Notice(this, CannotOpen(path, number, QString::fromLocal8Bit(std::strerror(number))));
+        return false;
+    }
+    if (file.size() > kMaxRtfFileSize) {
+        MessageBox::Notice(this, CannotOpen(path, EFBIG, QString::fromLocal8Bit(std::strerror(EFBIG))));
+        return false;
+    }
+    ReadRtf(file.readAll(), *m_rtfHelp->document());
+    return true;
+}

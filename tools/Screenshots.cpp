@@ -5,7 +5,9 @@
 #include "alarms/AlarmWindows.h"
 #include "alarms/frmAlarm.h"
 #include "clock/Clock.h"
+#include "help/frmHelp.h"
 #include "platform/PlatformServices.h"
+#include "props/frmClockProps.h"
 #include "settings/Preferences.h"
 #include "settings/Settings.h"
 #include "settings/SettingsStore.h"
@@ -216,6 +218,27 @@ int main(int argc, char* argv[])
         return 1;
     ok = Save(&notice, out.filePath(QStringLiteral("sync-notice.png"))) && ok;
     notice.close();
+
+    // The properties dialog as the Props panel opens it.
+    frmClockProps& props = window.ClockProps();
+    props.FillOwnZoneList(window.Prefs().Values().Zone);
+    props.Form_Load();
+    props.show();
+    if (!QTest::qWaitForWindowExposed(&props))
+        return 1;
+    ok = Save(&props, out.filePath(QStringLiteral("properties-dialog.png"))) && ok;
+    props.hide();
+
+    // The user guide, as the help picture shows it.
+    frmHelp help;
+    if (!help.Form_Load(
+            QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../src/Help.RTF"))))
+        return 1;
+    help.show();
+    if (!QTest::qWaitForWindowExposed(&help))
+        return 1;
+    ok = Save(&help, out.filePath(QStringLiteral("help-window.png"))) && ok;
+    help.close();
 
     window.EndSession();
     return ok ? 0 : 1;

@@ -4,6 +4,8 @@
 #include "widgets/RtfReader.h"
 
 #include <QFile>
+#include <QTextCursor>
+#include <QTextDocument>
 #include <QTextEdit>
 #include <QVBoxLayout>
 
@@ -43,5 +45,9 @@ bool frmHelp::Form_Load(const QString& path)
         return false;
     }
     ReadRtf(file.readAll(), *m_rtfHelp->document());
+    m_rtfHelp->document()->setDocumentMargin(12);
+    // Shown from its beginning.
+    m_rtfHelp->moveCursor(QTextCursor::Start);
+    m_rtfHelp->ensureCursorVisible();
     return true;
 }

@@ -1,5 +1,7 @@
 #include "Desk.h"
 #include "alarms/frmAlarm.h"
+#include "help/frmHelp.h"
+#include "props/frmClockProps.h"
 #include "shell/frmMessage.h"
 #include "sync/SyncScheduler.h"
 #include "widgets/MessageBox.h"
@@ -132,6 +134,23 @@ private slots:
         QCOMPARE(AccessibleName(notice->findChild<QLabel*>(QStringLiteral("lblMessage"))),
                  QStringLiteral("Unable to connect to site.\nCheck site address or Intenet connection\n"
                                 "Will try again at: 10:15"));
+    }
+
+    void propertiesDialogIsReadOutAsItShows()
+    {
+        Desk desk("[General]\nAutoSync=-1\nInetMinOffset=3\n");
+        QVERIFY(desk.window->Load());
+        frmClockProps& props = desk.window->ClockProps();
+        props.Form_Load();
+        props.show();
+        CheckReadOutAsShown(&props);
+        // Boxes without a caption of their own are read out by their labels.
+        QCOMPARE(AccessibleName(props.findChild<QCheckBox*>(QStringLiteral("chkWinStart"))),
+                 QStringLiteral("Start with Windows"));
+        QCOMPARE(AccessibleName(props.findChild<QWidget*>(QStringLiteral("txtFore"))),
+                 QStringLiteral("Font Color"));
+        QCOMPARE(AccessibleName(props.findChild<QLabel*>(QStringLiteral("lblOffset"))),
+                 QStringLiteral("Time Difference:  3 minutes"));
     }
 
     void switchWorkedByAScreenReaderRunsItsHandler()

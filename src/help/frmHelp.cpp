@@ -4,6 +4,7 @@
 #include "widgets/RtfReader.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextEdit>
@@ -34,9 +35,11 @@ bool frmHelp::Form_Load(const QString& path)
 {
     QFile file(path);
     errno = 0;
-    if (!file.open(QIODevice::ReadOnly)) {
+    // A folder of that name opens on some systems: it is no document.
+    const bool folder = QFileInfo(path).isDir();
+    if (folder || !file.open(QIODevice::ReadOnly)) {
         // The system's own number and words for why it could not be opened.
-        const int number = errno != 0 ? errno : ENOENT;
+        const int number = folder ? EISDIR : errno != 0 ? errno : ENOENT;
         MessageBox::Notice(this, CannotOpen(path, number, QString::fromLocal8Bit(std::strerror(number))));
         return false;
     }

@@ -163,9 +163,10 @@ frmClockProps::frmClockProps(const ClockPropsServices& services, QWidget* parent
     onEdit(m_edtLong, &Settings::LongDeg);
     onEdit(m_edtLongMinutes, &Settings::LongMin);
     connect(m_edtDefault, &TimeBox::Change, this, [this] {
-        if (!m_filling)
-            m_services.preferences.Change(
-                [this](Settings& values) { values.DefaultInterval = m_edtDefault->Text(); });
+        // Only a whole "hh:mm" becomes the default: a half-typed box is no interval.
+        const QString text = m_edtDefault->Text();
+        if (!m_filling && !text.contains(u'_'))
+            m_services.preferences.Change([&text](Settings& values) { values.DefaultInterval = text; });
     });
     // A sync started here: the time shown and the time source follow its outcome.
     connect(&m_services.scheduler, &SyncScheduler::RunEnded, this, [this] {
@@ -389,11 +390,14 @@ void frmClockProps::optSource_Click()
 void frmClockProps::SetState()
 {
     const bool internet = m_optInternet->isChecked();
-    m_services.preferences.Change([internet](Settings& v) {
-        v.AutoSync = internet ? -1 : 0;
-        if (!internet)
-            v.InetMinOffset = 0; // the computer's clock is the clock
-    });
+    const Settings& values = m_services.preferences.Values();
+    // Changed only where it differs: an unchanged source redraws nothing.
+    if ((values.AutoSync != 0) != internet || (!internet && values.InetMinOffset != 0))
+        m_services.preferences.Change([internet](Settings& v) {
+            v.AutoSync = internet ? -1 : 0;
+            if (!internet)
+                v.InetMinOffset = 0; // the computer's clock is the clock
+        });
     for (QWidget* w : {static_cast<QWidget*>(m_cboSyncSite), static_cast<QWidget*>(m_cboSyncHours),
                        static_cast<QWidget*>(m_cboConnection), static_cast<QWidget*>(m_cmdSync),
                        static_cast<QWidget*>(m_cmdSetInet)})
@@ -442,9 +446,12 @@ void frmClockProps::cmdOK_Click()
         return;
     }
     const QFont font = m_font;
-    m_services.preferences.Change([&font](Settings& v) {
+    // A font measured in pixels has no point size: the size the clock has is kept.
+    const double size =
+        font.pointSizeF() > 0 && font.pointSizeF() <= 1000 ? font.pointSizeF() : values.FontSize;
+    m_services.preferences.Change([&font, size](Settings& v) {
         v.FontName = font.family();
-        v.FontSize = font.pointSizeF();
+        v.FontSize = size;
         v.FontBold = font.bold();
         v.FontItalic = font.italic();
     });
@@ -456,6 +463,12 @@ void frmClockProps::cmdOK_Click()
 void frmClockProps::cmdCancel_Click()
 {
     TakeSite();
+    // The coordinates typed stay, as every other change does; sunrise and sunset are shown
+    // only when they are right.
+    const Settings& values = m_services.preferences.Values();
+    emit SunDisplayChanged(
+        ValidateCoordinates(values.LatDeg, values.LatMin, values.LongDeg, values.LongMin).isEmpty() &&
+        values.LatDeg.toDouble() != 0);
     Reschedule();
     QDialog::reject();
 }

@@ -469,7 +469,7 @@ void frmMain::Image3_Click()
     QString path;
     for (const QString& folder : std::as_const(m_dataFolders)) {
         const QString candidate = QDir(folder).filePath(QStringLiteral("Help.RTF"));
-        if (QFileInfo::exists(candidate)) {
+        if (QFileInfo(candidate).isFile()) {
             path = QDir::cleanPath(candidate);
             break;
         }

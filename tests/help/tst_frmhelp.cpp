@@ -105,6 +105,22 @@ private slots:
                      QStringLiteral("\r2-No such file or directory"));
     }
 
+    void folderNamedLikeTheGuideIsNoGuide()
+    {
+        Desk desk;
+        QVERIFY(QDir(desk.env.ProgramFolder()).mkdir(QStringLiteral("Help.RTF")));
+        QVERIFY(desk.window->Load());
+        desk.window->Image3_Click();
+        QVERIFY(!OpenHelpWindow());
+        QCOMPARE(MessageBox::Shown().constLast().Text,
+                 QStringLiteral("Can't open ") +
+                     QDir(desk.env.ProgramFolder()).filePath(QStringLiteral("Help.RTF")) +
+                     QStringLiteral("\r2-No such file or directory"));
+        frmHelp help;
+        QVERIFY(!help.Form_Load(QDir(desk.env.ProgramFolder()).filePath(QStringLiteral("Help.RTF"))));
+        QVERIFY(MessageBox::Shown().constLast().Text.endsWith(QStringLiteral("\r21-Is a directory")));
+    }
+
     void shippedGuideCoversTheProgram()
     {
         const QByteArray rtf = ShippedGuide();

@@ -83,6 +83,40 @@ private slots:
         QCOMPARE(Validate(login.EntryPath()), QString());
     }
 
+    void entrySwitchedOffOrForAnotherProgramIsOff()
+    {
+        QTemporaryDir config;
+        LinuxStartAtLogin login(QStringLiteral("/usr/bin/tarrowind"), config.path());
+        QCOMPARE(login.SetEnabled(true), std::nullopt);
+        QVERIFY(login.IsEnabled());
+        // The desktop switched it off.
+        QFile entry(login.EntryPath());
+        QVERIFY(entry.open(QIODevice::Append));
+        entry.write("Hidden=true\n");
+        entry.close();
+        QVERIFY(!login.IsEnabled());
+        // Another copy of the program wrote it.
+        LinuxStartAtLogin other(QStringLiteral("/opt/old/tarrowind"), config.path());
+        QCOMPARE(login.SetEnabled(true), std::nullopt);
+        QVERIFY(!other.IsEnabled());
+        QVERIFY(login.IsEnabled());
+        // Turning it off removes whatever entry of ours is there.
+        QCOMPARE(other.SetEnabled(false), std::nullopt);
+        QVERIFY(!QFile::exists(login.EntryPath()));
+    }
+
+    void pathWithALineBreakIsRefused()
+    {
+        QTemporaryDir config;
+        LinuxStartAtLogin login(QStringLiteral("/tmp/odd\nname/tarrowind"), config.path());
+        const auto error = login.SetEnabled(true);
+        QVERIFY(error.has_value());
+        QVERIFY(error->startsWith(
+            QStringLiteral("The start at login could not be turned on: the program's path holds "
+                           "a control character: ")));
+        QVERIFY(!QFile::exists(login.EntryPath()));
+    }
+
     void folderThatCannotBeMadeIsTold()
     {
         QTemporaryDir config;

@@ -102,9 +102,8 @@ private slots:
               "Background Color", "Current Local Time", "Local Time Zone", "Clock Site", "Interval (hrs)",
               "Connection"})
             QVERIFY2(labels.contains(QString::fromLatin1(text)), text);
-        // The dialog's own fill labels Eastern "-4 hrs" (the main window's redraw puts the
-        // long names back whenever it runs).
-        desk.props->FillOwnZoneList(1);
+        // The dialog's own fill labels Eastern "-4 hrs" as it opens (the main window's redraw
+        // puts the long names back whenever it runs).
         auto* zones = desk.Control<QComboBox>("cboTimeZone");
         QCOMPARE(zones->count(), 6);
         QCOMPARE(zones->itemText(4), QStringLiteral("Eastern Time (GMT -4 hrs)"));
@@ -153,6 +152,55 @@ private slots:
         desk.Control<QPushButton>("cmdCancel")->click();
         QVERIFY(!desk.props->isVisible());
         QCOMPARE(desk.Values().Zone, 4);
+    }
+
+    void zoneChosenFromTheListTakesEffect()
+    {
+        PropsDesk desk;
+        auto* zones = desk.Control<QComboBox>("cboTimeZone");
+        zones->setFocus();
+        QTest::keyClick(zones, Qt::Key_Down); // Central to Eastern, as the operator picks it
+        QCOMPARE(desk.Values().Zone, 4);
+        QCOMPARE(zones->currentIndex(), 4);
+        QCOMPARE(desk.FaceText(4), QStringLiteral("10:00"));
+    }
+
+    void halfTypedIntervalIsNotTaken()
+    {
+        PropsDesk desk;
+        auto* interval = desk.Control<TimeBox>("edtDefault");
+        interval->setFocus();
+        interval->selectAll();
+        QTest::keyClicks(interval, QStringLiteral("1"));
+        QCOMPARE(desk.Values().DefaultInterval, QStringLiteral("00:15"));
+    }
+
+    void fontWithoutAPointSizeKeepsTheClocksSize()
+    {
+        PropsDesk desk;
+        const double before = desk.Values().FontSize;
+        QVERIFY(before > 0);
+        QFont pixels(QStringLiteral("DejaVu Sans"));
+        pixels.setPixelSize(30);
+        FontDialog::SetNextAnswer(pixels);
+        desk.Control<QPushButton>("cmdFont")->click();
+        desk.props->cmdOK_Click();
+        QCOMPARE(desk.Values().FontName, QStringLiteral("DejaVu Sans"));
+        QCOMPARE(desk.Values().FontSize, before);
+        desk.window->StopProgram();
+        QVERIFY(!ReadSettings(*desk.store, desk.clock.Now()).Error);
+    }
+
+    void cancelWithWrongCoordinatesShowsNoSunTimes()
+    {
+        PropsDesk desk;
+        desk.ClickPanel(QStringLiteral("Calc"));
+        desk.Control<QLineEdit>("edtLat")->setText(QStringLiteral("89"));
+        desk.Control<QLineEdit>("edtLatMinutes")->setText(QStringLiteral("99"));
+        desk.props->cmdCancel_Click();
+        QCOMPARE(MessageBox::Shown().size(), 0);
+        QCOMPARE(desk.SunLine(), QStringLiteral("Sunrise/Sunset\n(no coordinates)"));
+        QCOMPARE(desk.Values().LatMin, QStringLiteral("99"));
     }
 
     void computersClockResetsTheInternetOffsetAtOnce()
@@ -395,9 +443,8 @@ private slots:
         desk.queries.Last()->Finish(ServerAnswer(desk.clock, 3 * 60000));
         QCOMPARE(desk.Values().InetMinOffset, 3);
         QCOMPARE(desk.Control<QLabel>("lblOffset")->text(), QStringLiteral("Time Difference:  3 minutes"));
-        // The clock's time in the chosen zone (Pacific, 8 hours behind UTC).
-        QCOMPARE(desk.Control<QLabel>("lblSet")->text(),
-                 desk.clock.Now().toUTC().addSecs(-8 * 3600).toString(QStringLiteral("HH:mm")));
+        // The clock's time in the chosen zone: 10:00 UTC here, Pacific is 8 hours behind.
+        QCOMPARE(desk.Control<QLabel>("lblSet")->text(), QStringLiteral("02:00"));
     }
 
     void everyChoiceSurvivesARestart()

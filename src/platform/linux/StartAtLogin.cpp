@@ -15,7 +15,19 @@ QString LinuxStartAtLogin::EntryPath() const
 
 bool LinuxStartAtLogin::IsEnabled() const
 {
-    return QFile::exists(EntryPath());
+    QFile entry(EntryPath());
+    if (!entry.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray expected = "Exec=" + ExecArgument(m_programPath).toUtf8();
+    bool launchesThis = false;
+    for (const QByteArray& raw : entry.readAll().split('\n')) {
+        const QByteArray line = raw.trimmed();
+        if (line == expected)
+            launchesThis = true;
+        if (line == "Hidden=true" || line == "X-GNOME-Autostart-enabled=false")
+            return false;
+    }
+    return launchesThis;
 }
 
 QString LinuxStartAtLogin::ExecArgument(const QString& argument)
@@ -64,6 +76,12 @@ std::optional<QString> LinuxStartAtLogin::SetEnabled(bool on)
                    QStringLiteral(" could not be removed (") + entry.errorString() + u')';
         return std::nullopt;
     }
+    // A line break or another control character cannot be written in the entry's Exec.
+    for (const QChar c : m_programPath)
+        if (c.unicode() < 0x20 || c.unicode() == 0x7f)
+            return QStringLiteral("The start at login could not be turned on: the program's path holds a "
+                                  "control character: ") +
+                   m_programPath;
     if (!QDir().mkpath(m_folder))
         return QStringLiteral("The start at login could not be turned on: the folder ") + m_folder +
                QStringLiteral(" could not be made.");

@@ -11,6 +11,8 @@ class LinuxStartAtLogin final : public StartAtLogin
 {
 public:
     LinuxStartAtLogin(QString programPath, QString autostartFolder);
+    // On when the entry is there, launches this program, and is not switched off by the
+    // desktop (Hidden, or X-GNOME-Autostart-enabled=false).
     bool IsEnabled() const override;
     std::optional<QString> SetEnabled(bool on) override;
 

@@ -105,6 +105,7 @@ QList<frmAlarm*> AlarmWindows::OpenAlarmWindows() const
 void AlarmWindows::AlarmWindowClosed(frmAlarm* window)
 {
     m_openAlarmWindows.removeAll(window);
+    emit WindowClosed(window->Id());
 }
 void AlarmWindows::AlarmAnswered()
 {

@@ -54,6 +54,8 @@ public:
 
 signals:
     void Answered();
+    // The window of the alarm with this record id closed, answered or not.
+    void WindowClosed(quint64 id);
 
 private:
     void Track(frmAlarm* window);

@@ -29,6 +29,8 @@ public:
     // The slot of this window's own alarm, wherever it moved; 0 once it was deleted.
     int ExpirePtr() const;
     bool CheckIn() const { return m_checkIn; }
+    // The record id of this window's alarm.
+    quint64 Id() const { return m_id; }
     // "70 minutes late"
     static QString LateText(int minutes);
 

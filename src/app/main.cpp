@@ -33,7 +33,7 @@ int main(int argc, char* argv[])
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Tarrowind"));
     QApplication::setApplicationVersion(QStringLiteral(TW_VERSION_TEXT));
-    QApplication::setDesktopFileName(QStringLiteral("tarrowind"));
+    QApplication::setDesktopFileName(QStringLiteral("org.tarrowind.Tarrowind"));
     QApplication::setWindowIcon(AppIcon());
 
     SystemClock clock;

@@ -5,6 +5,7 @@
 #include "alarms/AlarmPanel.h"
 #include "alarms/AlarmSound.h"
 #include "alarms/AlarmWindows.h"
+#include "alarms/frmAlarm.h"
 #include "calc/CalcPanel.h"
 #include "clock/Clock.h"
 #include "clock/ZoneClock.h"
@@ -12,8 +13,11 @@
 #include "logbook/LogBook.h"
 #include "logbook/LogPanel.h"
 #include "logbook/LogViewer.h"
+#include "platform/ClockChangeWatch.h"
 #include "platform/ClockSetter.h"
+#include "platform/DesktopNotifier.h"
 #include "platform/PlatformServices.h"
+#include "platform/SuspendWatch.h"
 #include "platform/WindowFlash.h"
 #include "props/frmClockProps.h"
 #include "settings/Preferences.h"
@@ -49,8 +53,8 @@
 
 frmMain::frmMain(const MainServices& services, QWidget* parent)
     : QWidget(parent), m_clock(services.clock), m_store(services.store), m_dataFolders(services.dataFolders),
-      m_startAtLogin(*services.platform.startAtLogin), m_locale(services.locale),
-      m_preferences(std::make_unique<Preferences>()),
+      m_startAtLogin(*services.platform.startAtLogin), m_platform(services.platform),
+      m_locale(services.locale), m_preferences(std::make_unique<Preferences>()),
       m_log(std::make_unique<LogBook>(services.logFolder, services.clock, services.locale)),
       m_viewer(std::make_unique<LogViewer>(*m_log, services.clock, services.locale)),
       m_alarms(std::make_unique<AlarmDesk>(services.store, *m_log, services.clock, *m_preferences)),
@@ -156,6 +160,37 @@ void frmMain::ConnectOwners()
     connect(m_alarms.get(), &AlarmDesk::Failed, this, &frmMain::Report);
     connect(m_log.get(), &LogBook::Failed, this, &frmMain::Report);
     connect(m_viewer.get(), &LogViewer::Failed, this, &frmMain::Report);
+    // The operating system's notices: the clock was set, the machine sleeps and wakes.
+    connect(m_platform.clockChange.get(), &ClockChangeWatch::ClockChanged, this,
+            &frmMain::SysInfo1_TimeChanged);
+    connect(m_platform.suspend.get(), &SuspendWatch::Suspending, this, [this] {
+        // Saved before the machine sleeps; then it may sleep.
+        m_alarms->SaveAlarms();
+        m_platform.suspend->SuspendHandled();
+    });
+    connect(m_platform.suspend.get(), &SuspendWatch::Resumed, this, [this] {
+        if (!m_loaded || m_stopped)
+            return;
+        // What fell due while asleep rings now, not at the next whole minute.
+        tmrMain_Timer();
+        ArmTick();
+    });
+    // While alarms are set the machine is asked not to sleep, with their count as reason.
+    connect(m_alarms.get(), &AlarmDesk::TableChanged, this,
+            [this] { m_platform.suspend->SetAlarmsSet(m_alarms->Table().SetCount()); });
+    // An alarm that goes off is also told to the desktop, until its window closes.
+    connect(m_alarms.get(), &AlarmDesk::AlarmDue, this, [this](int n) {
+        const AlarmRecord& a = m_alarms->Table().At(n);
+        QString body = a.Message + QStringLiteral("\nExpired on ") + a.Expire;
+        if (a.LateMinutes > 0)
+            body += QStringLiteral(" (") + frmAlarm::LateText(a.LateMinutes) + u')';
+        m_platform.notifier->Notify(QString::number(m_alarms->Table().IdOf(n)),
+                                    a.Safety != 0 ? QStringLiteral("Expired Safety Check Alarm")
+                                                  : QStringLiteral("Expired Alarm"),
+                                    body);
+    });
+    connect(m_alarmWindows.get(), &AlarmWindows::WindowClosed, this,
+            [this](quint64 id) { m_platform.notifier->Withdraw(QString::number(id)); });
     // A sync run (or its schedule) asks for the sync button to show the state.
     connect(m_sync.get(), &SyncState::RefreshDue, this, [this] { SyncCheck(0); });
     // Once running, a change of the preferences shows at once.

@@ -144,6 +144,7 @@ private:
     SettingsStore& m_store;
     QStringList m_dataFolders;
     StartAtLogin& m_startAtLogin;
+    PlatformServices& m_platform;
     QLocale m_locale;
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<LogBook> m_log;

@@ -294,9 +294,11 @@ void frmMain::SysInfo1_TimeChanged()
 {
     if (!m_loaded || m_stopped || m_sync->ClockBeingSet())
         return;
-    // Show the new time at once and keep the tick in phase with the changed clock.
+    // Show the new time at once and keep the tick in phase with the changed clock; minutes
+    // that a step forward passed are caught up now.
     SetTimes();
     ShowTitle();
+    tmrMain_Timer();
     ArmTick();
     // With automatic sync on, a clock changed by someone else is checked against the server.
     m_scheduler->ClockChanged();

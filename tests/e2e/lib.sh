@@ -65,7 +65,9 @@ e2e_stop() {
 PRELUDE
         echo "$1"
     } >"$work/inner.sh"
-    setpriv --bounding-set -sys_time --inh-caps -sys_time -- \
+    # E2E_DROP_CAPS drops more (dac_override: root may not write where others may not).
+    local caps="-sys_time${E2E_DROP_CAPS:+,-$E2E_DROP_CAPS}"
+    setpriv --bounding-set "$caps" --inh-caps "$caps" -- \
         xvfb-run -a -s "-screen 0 1024x768x24" bash "$work/inner.sh"
 }
 

@@ -20,10 +20,12 @@ trap cleanup EXIT
 dbus-daemon --session --nofork --address="unix:path=$work/bus" >/dev/null 2>&1 &
 pids+=($!)
 export DBUS_SYSTEM_BUS_ADDRESS="unix:path=$work/bus"
+# The same private bus stands in for the session bus too (the notification service's).
+export DBUS_SESSION_BUS_ADDRESS="$DBUS_SYSTEM_BUS_ADDRESS"
 for _ in $(seq 1 50); do [ -S "$work/bus" ] && break; sleep 0.1; done
 
-start_mock() { # TEMPLATE BUS_NAME: the mocked service, once its name is on the bus
-    "$py" -m dbusmock --system --template "$1" >"$work/$1.log" 2>&1 &
+start_mock() { # TEMPLATE BUS_NAME [--session]: the mocked service, once its name is on the bus
+    "$py" -m dbusmock "${3:---system}" --template "$1" >"$work/$1.log" 2>&1 &
     pids+=($!)
     for _ in $(seq 1 100); do
         dbus-send --system --print-reply --dest=org.freedesktop.DBus / org.freedesktop.DBus.NameHasOwner \

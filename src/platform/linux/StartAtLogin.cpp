@@ -62,7 +62,7 @@ QByteArray LinuxStartAtLogin::Entry(const QString& programPath)
                              "Name=Tarrowind\n"
                              "Comment=Desk clock, alarms and logbook\n") +
            "Exec=" + ExecArgument(programPath).toUtf8() + "\n" +
-           QByteArrayLiteral("Icon=tarrowind\n"
+           QByteArrayLiteral("Icon=org.tarrowind.Tarrowind\n"
                              "Terminal=false\n"
                              "X-GNOME-Autostart-enabled=true\n");
 }

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/DesktopNotifier.h"
+
+#include <QHash>
+#include <QObject>
+#include <QString>
+
+// Notices through the desktop's notification service (org.freedesktop.Notifications on the
+// session bus): critical, kept until withdrawn, with the program's icon. The calls do not
+// wait; without the service nothing is shown and nothing goes wrong.
+class LinuxDesktopNotifier final : public DesktopNotifier
+{
+public:
+    LinuxDesktopNotifier();
+    ~LinuxDesktopNotifier() override;
+    void Notify(const QString& key, const QString& title, const QString& body) override;
+    void Withdraw(const QString& key) override;
+
+private:
+    // The service's number of each notice shown, by key.
+    QHash<QString, uint> m_ids;
+    // Keys withdrawn before the service said the notice's number.
+    QHash<QString, int> m_withdrawnEarly;
+    QObject m_calls;
+};

@@ -164,11 +164,16 @@ void frmMain::ConnectOwners()
     connect(m_platform.clockChange.get(), &ClockChangeWatch::ClockChanged, this,
             &frmMain::SysInfo1_TimeChanged);
     connect(m_platform.suspend.get(), &SuspendWatch::Suspending, this, [this] {
-        // Saved before the machine sleeps; then it may sleep.
-        m_alarms->SaveAlarms();
+        // Saved before the machine sleeps (only a table that was loaded: a start that
+        // failed leaves the store as it was); then it may sleep.
+        m_asleep = true;
+        if (m_loaded && !m_stopped)
+            m_alarms->SaveAlarms();
         m_platform.suspend->SuspendHandled();
     });
     connect(m_platform.suspend.get(), &SuspendWatch::Resumed, this, [this] {
+        m_asleep = false;
+        m_sinceResume.start();
         if (!m_loaded || m_stopped)
             return;
         // What fell due while asleep rings now, not at the next whole minute.

@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QDateTime>
+#include <QElapsedTimer>
 #include <QFont>
 #include <QLocale>
 #include <QPointer>
@@ -173,4 +174,7 @@ private:
     std::unique_ptr<frmClockProps> m_clockProps;
     QPointer<frmMessage> m_message;
     QTimer m_tmrMain{this};
+    // Waking makes the clock look changed: no sync is started for that.
+    bool m_asleep = false;
+    QElapsedTimer m_sinceResume;
 };

@@ -300,8 +300,11 @@ void frmMain::SysInfo1_TimeChanged()
     ShowTitle();
     tmrMain_Timer();
     ArmTick();
-    // With automatic sync on, a clock changed by someone else is checked against the server.
-    m_scheduler->ClockChanged();
+    // With automatic sync on, a clock changed by someone else is checked against the server;
+    // the change that waking from sleep looks like is not one (the network may not be up).
+    const bool waking = m_asleep || (m_sinceResume.isValid() && m_sinceResume.elapsed() < 5000);
+    if (!waking)
+        m_scheduler->ClockChanged();
 }
 
 bool frmMain::QueryUnload()

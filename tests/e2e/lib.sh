@@ -18,6 +18,7 @@ e2e_init() { # PROGRAM SOUND: prepares $work with the program, its sound and emp
     # The machine's own system services are never reached: the system bus is one that is
     # not there (a test that needs a service starts its own bus).
     export DBUS_SYSTEM_BUS_ADDRESS="unix:path=$work/no-system-bus"
+    export DBUS_SESSION_BUS_ADDRESS="unix:path=$work/no-session-bus"
     passed=0
     failed=0
 }

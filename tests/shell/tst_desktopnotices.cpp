@@ -1,5 +1,6 @@
 #include "Desk.h"
 #include "alarms/frmAlarm.h"
+#include "sync/SyncScheduler.h"
 #include "widgets/MessageBox.h"
 
 #include <QPushButton>
@@ -61,6 +62,27 @@ private slots:
         Suspend(desk).EmitSuspending();
         QCOMPARE(desk.Stored(QStringLiteral("Alarms/Count")), QStringLiteral("2"));
         QCOMPARE(Suspend(desk).SuspendHandledCalls, 1);
+    }
+
+    void sleepBeforeTheStartIsDoneLeavesTheStoreAlone()
+    {
+        Desk desk(TwoAlarms);
+        Suspend(desk).EmitSuspending();
+        QCOMPARE(desk.Stored(QStringLiteral("Alarms/Count")), QStringLiteral("2"));
+        QCOMPARE(Suspend(desk).SuspendHandledCalls, 1);
+    }
+
+    void wakingStartsNoSyncThoughTheClockLooksChanged()
+    {
+        Desk desk("[General]\nAutoSync=-1\nAutoSyncHrs=24\nLastSync=2026-11-16 09:30:00\n");
+        QVERIFY(desk.window->Load());
+        Suspend(desk).EmitSuspending();
+        desk.clock.AdvanceSecs(600);
+        ClockChange(desk).Emit(); // the kernel's notice of the wake may come first
+        Suspend(desk).EmitResumed();
+        ClockChange(desk).Emit(); // or after
+        QVERIFY(desk.queries.Made.isEmpty());
+        QVERIFY(!desk.window->Scheduler().Run());
     }
 
     void alarmDueWhileAsleepRingsOnWaking()

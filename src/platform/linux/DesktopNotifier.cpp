@@ -28,6 +28,16 @@ LinuxDesktopNotifier::LinuxDesktopNotifier() = default;
 LinuxDesktopNotifier::~LinuxDesktopNotifier()
 {
     qDeleteAll(m_calls.children());
+    // Notices still shown go with the program: they are critical and would stay for good.
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected())
+        return;
+    for (const uint id : std::as_const(m_ids)) {
+        QDBusMessage call =
+            QDBusMessage::createMethodCall(Service, Path, Service, QStringLiteral("CloseNotification"));
+        call << id;
+        bus.call(call, QDBus::Block, 500);
+    }
 }
 
 void LinuxDesktopNotifier::Notify(const QString& key, const QString& title, const QString& body)
@@ -42,13 +52,18 @@ void LinuxDesktopNotifier::Notify(const QString& key, const QString& title, cons
     call << QStringLiteral("Tarrowind") << m_ids.value(key, 0u) << QStringLiteral("org.tarrowind.Tarrowind")
          << title << body << QStringList() << hints << 0;
     m_withdrawnEarly.remove(key);
+    m_pending[key] += 1;
     auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, CallTimeoutMsec), &m_calls);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
                      [this, key](QDBusPendingCallWatcher* w) {
                          w->deleteLater();
+                         if (--m_pending[key] <= 0)
+                             m_pending.remove(key);
                          const QDBusPendingReply<uint> reply = *w;
-                         if (reply.isError())
+                         if (reply.isError()) {
+                             m_withdrawnEarly.remove(key);
                              return; // no service: nothing shown
+                         }
                          const uint id = reply.value();
                          // Answered before the service said its number: withdrawn at once.
                          if (m_withdrawnEarly.remove(key) > 0) {
@@ -65,7 +80,10 @@ void LinuxDesktopNotifier::Withdraw(const QString& key)
         return;
     const auto it = m_ids.constFind(key);
     if (it == m_ids.constEnd()) {
-        m_withdrawnEarly.insert(key, 1);
+        // Only a notice still to be numbered is withdrawn when it is; a key never notified
+        // (a check-in window) leaves nothing behind.
+        if (m_pending.contains(key))
+            m_withdrawnEarly.insert(key, 1);
         return;
     }
     Close(it.value());

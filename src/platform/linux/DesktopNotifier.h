@@ -20,7 +20,9 @@ public:
 private:
     // The service's number of each notice shown, by key.
     QHash<QString, uint> m_ids;
-    // Keys withdrawn before the service said the notice's number.
+    // Keys whose notice was asked for and not yet numbered, and of those the ones withdrawn
+    // meanwhile.
+    QHash<QString, int> m_pending;
     QHash<QString, int> m_withdrawnEarly;
     QObject m_calls;
 };

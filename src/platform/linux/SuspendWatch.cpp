@@ -49,8 +49,11 @@ void LinuxSuspendWatch::SetAlarmsSet(int count)
         Inhibit(count == 1 ? QStringLiteral("1 alarm is set")
                            : QString::number(count) + QStringLiteral(" alarms are set"),
                 QStringLiteral("block"));
-    m_block = next;
-    m_blockCount = next.isValid() ? count : 0;
+    // A request that failed keeps what is held: sleep stays blocked with the older count.
+    if (next.isValid()) {
+        m_block = next;
+        m_blockCount = count;
+    }
 }
 
 void LinuxSuspendWatch::SuspendHandled()
@@ -64,8 +67,9 @@ void LinuxSuspendWatch::PrepareForSleep(bool start)
         emit Suspending();
         return;
     }
+    // What fell due while asleep rings first; the delay for the next sleep is taken after.
+    emit Resumed();
     if (!m_delay.isValid())
         m_delay =
             Inhibit(QStringLiteral("Saving the alarms before the computer sleeps"), QStringLiteral("delay"));
-    emit Resumed();
 }

@@ -18,6 +18,8 @@ root="$work/root"
 deb=$(ls "$out"/tarrowind_2.0.0_*.deb)
 dpkg-deb -x "$deb" "$root"
 
+contents=$(dpkg-deb -c "$deb")
+check "the package lists the program under /usr/bin" '[[ $contents == *" ./usr/bin/tarrowind"* ]]'
 depends=$(dpkg-deb -f "$deb" Depends)
 check "Depends is worked out from the program (Qt widgets, multimedia, C library)" \
     '[[ $depends == *libqt6widgets6* && $depends == *libqt6multimedia6* && $depends == *libc6* ]]'

@@ -17,9 +17,14 @@
 // fake sound and operating-system services.
 struct Desk : DeskFiles
 {
-    explicit Desk(const QByteArray& ini = {}, bool withSound = true)
+    // `adjust` may replace some of the fake services (with a system's real ones) before the
+    // main window is made.
+    explicit Desk(const QByteArray& ini = {}, bool withSound = true,
+                  const std::function<void(PlatformServices&)>& adjust = {})
         : DeskFiles(ini, withSound), platform(FakePlatform(flash))
     {
+        if (adjust)
+            adjust(platform);
         // The fake setter moves the test's clock as the real one moves the computer's.
         Setter().Moves = [this](qint64 byMsec) { clock.AdvanceMSecs(byMsec); };
         const MainServices services{clock,          *store,         env.LogFolder(), EnUs,

@@ -437,8 +437,7 @@ void frmClockProps::cmdOK_Click()
 {
     TakeSite();
     const Settings& values = m_services.preferences.Values();
-    const QString problems =
-        ValidateCoordinates(values.LatDeg, values.LatMin, values.LongDeg, values.LongMin);
+    const QString problems = CoordinateProblems();
     if (!problems.isEmpty()) {
         MessageBox::Notice(this, QStringLiteral("There is an error in the coordinates you entered: \r\r") +
                                      problems);
@@ -455,9 +454,22 @@ void frmClockProps::cmdOK_Click()
         v.FontBold = font.bold();
         v.FontItalic = font.italic();
     });
-    emit SunDisplayChanged(m_services.preferences.Values().LatDeg.toDouble() != 0);
+    ShowSunByCoordinates();
     Reschedule();
     accept();
+}
+
+QString frmClockProps::CoordinateProblems() const
+{
+    const Settings& values = m_services.preferences.Values();
+    return ValidateCoordinates(values.LatDeg, values.LatMin, values.LongDeg, values.LongMin);
+}
+
+void frmClockProps::ShowSunByCoordinates()
+{
+    // Sunrise and sunset are shown for right coordinates with a latitude other than 0.
+    emit SunDisplayChanged(CoordinateProblems().isEmpty() &&
+                           m_services.preferences.Values().LatDeg.toDouble() != 0);
 }
 
 void frmClockProps::cmdCancel_Click()
@@ -465,10 +477,7 @@ void frmClockProps::cmdCancel_Click()
     TakeSite();
     // The coordinates typed stay, as every other change does; sunrise and sunset are shown
     // only when they are right.
-    const Settings& values = m_services.preferences.Values();
-    emit SunDisplayChanged(
-        ValidateCoordinates(values.LatDeg, values.LatMin, values.LongDeg, values.LongMin).isEmpty() &&
-        values.LatDeg.toDouble() != 0);
+    ShowSunByCoordinates();
     Reschedule();
     QDialog::reject();
 }

@@ -79,6 +79,9 @@ private:
     void Reschedule();
     void ShowSwatches();
     void ShowSetTime();
+    // The faults of the coordinates as they now are; empty when they are right.
+    QString CoordinateProblems() const;
+    void ShowSunByCoordinates();
 
     ClockPropsServices m_services;
     QFont m_font; // chosen in the font dialog; copied to the clock by OK

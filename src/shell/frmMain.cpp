@@ -53,8 +53,8 @@
 
 frmMain::frmMain(const MainServices& services, QWidget* parent)
     : QWidget(parent), m_clock(services.clock), m_store(services.store), m_dataFolders(services.dataFolders),
-      m_startAtLogin(*services.platform.startAtLogin), m_platform(services.platform),
-      m_locale(services.locale), m_preferences(std::make_unique<Preferences>()),
+      m_platform(services.platform), m_locale(services.locale),
+      m_preferences(std::make_unique<Preferences>()),
       m_log(std::make_unique<LogBook>(services.logFolder, services.clock, services.locale)),
       m_viewer(std::make_unique<LogViewer>(*m_log, services.clock, services.locale)),
       m_alarms(std::make_unique<AlarmDesk>(services.store, *m_log, services.clock, *m_preferences)),
@@ -245,7 +245,8 @@ frmClockProps& frmMain::ClockProps()
 {
     if (!m_clockProps) {
         m_clockProps = std::make_unique<frmClockProps>(
-            ClockPropsServices{*m_preferences, *m_sync, *m_scheduler, m_startAtLogin, m_clock}, this);
+            ClockPropsServices{*m_preferences, *m_sync, *m_scheduler, *m_platform.startAtLogin, m_clock},
+            this);
         // OK checks the coordinates: sunrise and sunset are shown by them, or not at all.
         connect(m_clockProps.get(), &frmClockProps::SunDisplayChanged, this, [this](bool on) {
             m_coordinatesValid = on;
@@ -523,20 +524,19 @@ void frmMain::Image3_Click()
             this, frmHelp::CannotOpen(expected, ENOENT, QString::fromLocal8Bit(std::strerror(ENOENT))));
         return;
     }
-    auto* help = new frmHelp(this);
-    help->setAttribute(Qt::WA_DeleteOnClose);
-    if (!help->Form_Load(path)) {
-        delete help;
-        return;
-    }
-    help->show();
+    ShowHelp(path);
 }
 
 void frmMain::ShowLocalHelp()
 {
+    ShowHelp(QStringLiteral("Help.RTF"));
+}
+
+void frmMain::ShowHelp(const QString& path)
+{
     auto* help = new frmHelp(this);
     help->setAttribute(Qt::WA_DeleteOnClose);
-    if (!help->Form_Load()) {
+    if (!help->Form_Load(path)) {
         delete help;
         return;
     }

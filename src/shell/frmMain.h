@@ -26,7 +26,6 @@ class LogPanel;
 class LogViewer;
 class Preferences;
 class SettingsStore;
-class StartAtLogin;
 class SyncScheduler;
 class SyncState;
 class TimeQuery;
@@ -136,6 +135,8 @@ private:
     void Report(const QString& message);
     // Shows the notice of a failed sync without waiting for it to be read.
     void ShowSyncMessage(const QString& text);
+    // Opens a help window on the document at `path`; the window says when it cannot.
+    void ShowHelp(const QString& path);
     // The clock faces' font, from the preferences.
     QFont ClockFont() const;
     // Hours from UTC of the local zone in standard time.
@@ -144,7 +145,6 @@ private:
     const Clock& m_clock;
     SettingsStore& m_store;
     QStringList m_dataFolders;
-    StartAtLogin& m_startAtLogin;
     PlatformServices& m_platform;
     QLocale m_locale;
     std::unique_ptr<Preferences> m_preferences;

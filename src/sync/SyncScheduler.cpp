@@ -96,7 +96,6 @@ void SyncScheduler::OpenRun(bool automatic, QWidget* over)
     // own, do not.
     run->setWindowModality(Qt::WindowModal);
     run->show();
-    emit RunStarted();
     run->Form_Activate();
 }
 

@@ -39,7 +39,6 @@ public:
     void Stop();
 
 signals:
-    void RunStarted();
     void RunEnded();
 
 private:

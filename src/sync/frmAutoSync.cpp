@@ -194,43 +194,66 @@ void frmAutoSync::Succeeded(const QDateTime& serverTime)
 
 void frmAutoSync::FailWithError(const QString& error)
 {
-    m_phase = Phase::Over;
-    m_timer1.stop();
-    m_time1->Cancel();
+    Halt();
     m_services.showMessage(
         QStringLiteral("Syncronization not completed because of the following error: \r\r") + error +
         QStringLiteral("\r\rPlease check your Internet connection or clock site"));
-    if (m_services.preferences.Values().AutoSync != 0 && m_autoUpdate)
-        m_services.state.ScheduleRetry(15);
-    m_services.state.SetInProgress(false);
-    m_services.state.Refresh();
-    emit Ended();
-    close();
+    RetryIfAutomatic();
+    Finish();
 }
 
 void frmAutoSync::FailToSet(const ClockSetResult& result)
 {
     // The reason is told; the run is not synchronised ("Time set" is not shown).
+    Halt();
+    m_services.showMessage(result.Reason);
+    RetryIfAutomatic();
+    m_services.state.SetSynchronised(false);
+    Finish();
+}
+
+void frmAutoSync::End()
+{
+    Halt();
+    Finish();
+}
+
+void frmAutoSync::Halt()
+{
     m_phase = Phase::Over;
     m_timer1.stop();
-    m_services.showMessage(result.Reason);
-    if (m_services.preferences.Values().AutoSync != 0 && m_autoUpdate)
-        m_services.state.ScheduleRetry(15);
-    m_services.state.SetSynchronised(false);
+    m_time1->Cancel();
+}
+
+bool frmAutoSync::RetryIfAutomatic()
+{
+    if (m_services.preferences.Values().AutoSync == 0 || !m_autoUpdate)
+        return false;
+    m_services.state.ScheduleRetry(15);
+    return true;
+}
+
+void frmAutoSync::Finish()
+{
     m_services.state.SetInProgress(false);
     m_services.state.Refresh();
     emit Ended();
     close();
 }
 
-void frmAutoSync::End()
+void frmAutoSync::EndQuietly()
 {
-    m_phase = Phase::Over;
-    m_services.state.Refresh();
-    m_timer1.stop();
-    m_services.state.SetInProgress(false);
+    if (m_phase == Phase::Over)
+        return;
+    const bool started = m_phase != Phase::NotStarted;
+    if (m_phase == Phase::Setting)
+        m_services.state.SetClockBeingSet(false);
+    Halt();
+    if (started) {
+        m_services.state.SetInProgress(false);
+        m_services.state.Refresh();
+    }
     emit Ended();
-    close();
 }
 
 void frmAutoSync::Timer1_Timer()
@@ -239,51 +262,31 @@ void frmAutoSync::Timer1_Timer()
     // The question and the setting of the clock are answered first; their ticks still count.
     if (m_phase != Phase::Waiting)
         return;
-    const Settings& values = m_services.preferences.Values();
-    const bool timedOut = values.Connection == 0 ? m_ticks >= 1 : m_ticks >= 4;
+    const bool timedOut = m_services.preferences.Values().Connection == 0 ? m_ticks >= 1 : m_ticks >= 4;
     if (!timedOut)
         return;
-    m_phase = Phase::Over;
-    m_timer1.stop();
-    m_time1->Cancel();
+    Halt();
     QString message = QStringLiteral("Unable to connect to site.\rCheck site address or Intenet connection");
-    if (values.AutoSync != 0 && m_autoUpdate) {
-        m_services.state.ScheduleRetry(15);
+    if (RetryIfAutomatic())
         message += QStringLiteral("\rWill try again at: ") +
                    m_services.state.NextSync().toString(QStringLiteral("HH:mm"));
-    }
     m_services.showMessage(message);
-    m_services.state.SetInProgress(false);
     m_services.state.SetSynchronised(false);
-    m_services.state.Refresh();
-    emit Ended();
-    close();
+    Finish();
 }
 
 void frmAutoSync::cmdCancel_Click()
 {
     if (m_phase == Phase::Setting || m_phase == Phase::Over)
         return;
-    m_phase = Phase::Over;
-    m_timer1.stop();
-    m_time1->Cancel();
-    m_services.state.SetInProgress(false);
+    Halt();
     m_services.state.ScheduleRetry(15);
-    m_services.state.Refresh();
-    emit Ended();
-    close();
+    Finish();
 }
 
 void frmAutoSync::Dismiss()
 {
-    if (m_phase == Phase::Setting)
-        m_services.state.SetClockBeingSet(false);
-    if (m_phase != Phase::Over && m_phase != Phase::NotStarted)
-        m_services.state.SetInProgress(false);
-    m_phase = Phase::Over;
-    m_timer1.stop();
-    m_time1->Cancel();
-    emit Ended();
+    EndQuietly();
     close();
 }
 
@@ -302,16 +305,6 @@ void frmAutoSync::reject()
     if (m_phase == Phase::Setting)
         return;
     // Closed by its frame (or Escape): the run ends quietly, without a message or a retry.
-    if (m_phase != Phase::Over) {
-        const bool started = m_phase != Phase::NotStarted;
-        m_phase = Phase::Over;
-        m_timer1.stop();
-        m_time1->Cancel();
-        if (started) {
-            m_services.state.SetInProgress(false);
-            m_services.state.Refresh();
-        }
-        emit Ended();
-    }
+    EndQuietly();
     QDialog::reject();
 }

@@ -56,7 +56,6 @@ public:
     void Dismiss();
 
     QTimer& Timer1() { return m_timer1; }
-    int Ticks() const { return m_ticks; }
 
 signals:
     // The run is over; the window closes.
@@ -82,6 +81,14 @@ private:
     void FailWithError(const QString& error);
     void FailToSet(const ClockSetResult& result);
     void End();
+    // The run stops waiting: no more ticks, no answer of the query.
+    void Halt();
+    // An automatic run with automatic sync on is tried again in 15 minutes; says whether it is.
+    bool RetryIfAutomatic();
+    // The run is over: the button shows it and the window closes.
+    void Finish();
+    // Over without a word (the frame, Escape, the program stopping).
+    void EndQuietly();
 
     SyncRunServices m_services;
     std::unique_ptr<TimeQuery> m_time1;

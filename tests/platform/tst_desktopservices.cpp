@@ -1,99 +1,14 @@
+#include "MockServices.h"
 #include "platform/linux/ClockChangeWatch.h"
 #include "platform/linux/DesktopNotifier.h"
 #include "platform/linux/SuspendWatch.h"
 
-#include <QDBusArgument>
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusVariant>
 #include <QSignalSpy>
 #include <QtTest>
 
 namespace {
 
-struct Inhibitor
-{
-    QString What, Who, Why, Mode;
-};
-
-// The inhibitors the mocked logind holds.
-QList<Inhibitor> Inhibitors()
-{
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.login1"), QStringLiteral("/org/freedesktop/login1"),
-        QStringLiteral("org.freedesktop.login1.Manager"), QStringLiteral("ListInhibitors"));
-    const QDBusMessage reply = QDBusConnection::systemBus().call(call);
-    QList<Inhibitor> list;
-    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
-        return list;
-    const QDBusArgument array = reply.arguments().at(0).value<QDBusArgument>();
-    array.beginArray();
-    while (!array.atEnd()) {
-        Inhibitor i;
-        uint uid = 0, pid = 0;
-        array.beginStructure();
-        array >> i.What >> i.Who >> i.Why >> i.Mode >> uid >> pid;
-        array.endStructure();
-        list << i;
-    }
-    array.endArray();
-    return list;
-}
-
-QStringList Held()
-{
-    QStringList held;
-    for (const Inhibitor& i : Inhibitors())
-        held << i.What + u'/' + i.Who + u'/' + i.Mode + u'/' + i.Why;
-    held.sort();
-    return held;
-}
-
 const QString Delay = QStringLiteral("sleep/Tarrowind/delay/Saving the alarms before the computer sleeps");
-
-void EmitPrepareForSleep(bool start)
-{
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.login1"), QStringLiteral("/org/freedesktop/login1"),
-        QStringLiteral("org.freedesktop.DBus.Mock"), QStringLiteral("EmitSignal"));
-    call << QStringLiteral("org.freedesktop.login1.Manager") << QStringLiteral("PrepareForSleep")
-         << QStringLiteral("b")
-         << QVariant::fromValue(QVariantList{QVariant::fromValue(QDBusVariant(start))});
-    const QDBusMessage reply = QDBusConnection::systemBus().call(call);
-    QVERIFY2(reply.type() == QDBusMessage::ReplyMessage, qPrintable(reply.errorMessage()));
-}
-
-// The calls of `method` the mocked notification service received, each its arguments.
-QList<QVariantList> NotificationCalls(const QString& method)
-{
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("/org/freedesktop/Notifications"),
-        QStringLiteral("org.freedesktop.DBus.Mock"), QStringLiteral("GetMethodCalls"));
-    call << method;
-    const QDBusMessage reply = QDBusConnection::sessionBus().call(call);
-    QList<QVariantList> calls;
-    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
-        return calls;
-    const QDBusArgument array = reply.arguments().at(0).value<QDBusArgument>();
-    array.beginArray();
-    while (!array.atEnd()) {
-        quint64 when = 0;
-        QVariantList args;
-        array.beginStructure();
-        array >> when;
-        array.beginArray();
-        while (!array.atEnd()) {
-            QDBusVariant v;
-            array >> v;
-            args << v.variant();
-        }
-        array.endArray();
-        array.endStructure();
-        calls << args;
-    }
-    array.endArray();
-    return calls;
-}
 
 bool WithServices()
 {
@@ -130,23 +45,25 @@ private slots:
             QSKIP("this run has no logind");
         LinuxSuspendWatch watch;
         QVERIFY(watch.HoldsDelay());
-        QCOMPARE(Held(), QStringList{Delay});
+        QCOMPARE(HeldInhibitors(), QStringList{Delay});
         watch.SetAlarmsSet(2);
-        QTRY_COMPARE(Held(), (QStringList{QStringLiteral("sleep/Tarrowind/block/2 alarms are set"), Delay}));
+        QTRY_COMPARE(HeldInhibitors(),
+                     (QStringList{QStringLiteral("sleep/Tarrowind/block/2 alarms are set"), Delay}));
         watch.SetAlarmsSet(1);
-        QTRY_COMPARE(Held(), (QStringList{QStringLiteral("sleep/Tarrowind/block/1 alarm is set"), Delay}));
+        QTRY_COMPARE(HeldInhibitors(),
+                     (QStringList{QStringLiteral("sleep/Tarrowind/block/1 alarm is set"), Delay}));
         watch.SetAlarmsSet(0);
-        QTRY_COMPARE(Held(), QStringList{Delay});
+        QTRY_COMPARE(HeldInhibitors(), QStringList{Delay});
 
         QSignalSpy suspending(&watch, &SuspendWatch::Suspending);
         QSignalSpy resumed(&watch, &SuspendWatch::Resumed);
-        EmitPrepareForSleep(true);
+        QVERIFY(EmitPrepareForSleep(true));
         QTRY_COMPARE(suspending.size(), 1);
         watch.SuspendHandled();
-        QTRY_COMPARE(Held(), QStringList());
-        EmitPrepareForSleep(false);
+        QTRY_COMPARE(HeldInhibitors(), QStringList());
+        QVERIFY(EmitPrepareForSleep(false));
         QTRY_COMPARE(resumed.size(), 1);
-        QTRY_COMPARE(Held(), QStringList{Delay});
+        QTRY_COMPARE(HeldInhibitors(), QStringList{Delay});
     }
 
     void withoutLogindNothingIsHeldAndNothingFails()
@@ -179,7 +96,9 @@ private slots:
         QCOMPARE(args.at(7).toInt(), 0); // kept until withdrawn
         // Withdrawn once the service said its number.
         QTest::qWait(100);
+        QVERIFY(notifier.Holds(QStringLiteral("7")));
         notifier.Withdraw(QStringLiteral("7"));
+        QVERIFY(!notifier.Holds(QStringLiteral("7")));
         QTRY_COMPARE(NotificationCalls(QStringLiteral("CloseNotification")).size(), 1);
         QVERIFY(NotificationCalls(QStringLiteral("CloseNotification")).at(0).at(0).toUInt() > 0);
         // A key with no notice withdraws nothing.
@@ -194,8 +113,11 @@ private slots:
             QSKIP("this run has a notification service");
         LinuxDesktopNotifier notifier;
         notifier.Notify(QStringLiteral("1"), QStringLiteral("Expired Alarm"), QStringLiteral("Convoy"));
+        QVERIFY(notifier.Holds(QStringLiteral("1"))); // on its way
+        // The bus says there is no such service: nothing is held, nothing is left behind.
+        QTRY_VERIFY(!notifier.Holds(QStringLiteral("1")));
         notifier.Withdraw(QStringLiteral("1"));
-        QTest::qWait(100);
+        QVERIFY(!notifier.Holds(QStringLiteral("1")));
     }
 };
 

@@ -1,13 +1,10 @@
 #include "Desk.h"
+#include "MockServices.h"
 #include "alarms/frmAlarm.h"
 #include "platform/linux/DesktopNotifier.h"
 #include "platform/linux/SuspendWatch.h"
 #include "widgets/MessageBox.h"
 
-#include <QDBusArgument>
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusVariant>
 #include <QtTest>
 
 namespace {
@@ -27,75 +24,10 @@ struct RealDesk : Desk
     {}
 };
 
-QDBusMessage Call(const QDBusConnection& bus, const QString& service, const QString& path,
-                  const QString& interface, const QString& method, const QVariantList& args = {})
+// The number of calls of `method` the mocked notification service received.
+int NotificationCount(const QString& method)
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, method);
-    call.setArguments(args);
-    return QDBusConnection(bus).call(call);
-}
-
-// "what/mode/why" of each inhibitor the mocked logind holds for the program.
-QStringList Held()
-{
-    const QDBusMessage reply =
-        Call(QDBusConnection::systemBus(), QStringLiteral("org.freedesktop.login1"),
-             QStringLiteral("/org/freedesktop/login1"), QStringLiteral("org.freedesktop.login1.Manager"),
-             QStringLiteral("ListInhibitors"));
-    QStringList held;
-    if (reply.arguments().isEmpty())
-        return held;
-    const QDBusArgument array = reply.arguments().at(0).value<QDBusArgument>();
-    array.beginArray();
-    while (!array.atEnd()) {
-        QString what, who, why, mode;
-        uint uid = 0, pid = 0;
-        array.beginStructure();
-        array >> what >> who >> why >> mode >> uid >> pid;
-        array.endStructure();
-        held << mode + u'/' + why;
-    }
-    array.endArray();
-    held.sort();
-    return held;
-}
-
-void PrepareForSleep(bool start)
-{
-    Call(QDBusConnection::systemBus(), QStringLiteral("org.freedesktop.login1"),
-         QStringLiteral("/org/freedesktop/login1"), QStringLiteral("org.freedesktop.DBus.Mock"),
-         QStringLiteral("EmitSignal"),
-         {QStringLiteral("org.freedesktop.login1.Manager"), QStringLiteral("PrepareForSleep"),
-          QStringLiteral("b"), QVariant::fromValue(QVariantList{QVariant::fromValue(QDBusVariant(start))})});
-}
-
-int NotificationCalls(const QString& method)
-{
-    const QDBusMessage reply =
-        Call(QDBusConnection::sessionBus(), QStringLiteral("org.freedesktop.Notifications"),
-             QStringLiteral("/org/freedesktop/Notifications"), QStringLiteral("org.freedesktop.DBus.Mock"),
-             QStringLiteral("GetMethodCalls"), {method});
-    if (reply.arguments().isEmpty())
-        return -1;
-    const QDBusArgument array = reply.arguments().at(0).value<QDBusArgument>();
-    int count = 0;
-    array.beginArray();
-    while (!array.atEnd()) {
-        QVariant skip;
-        array.beginStructure();
-        quint64 when = 0;
-        array >> when;
-        array.beginArray();
-        while (!array.atEnd()) {
-            QDBusVariant v;
-            array >> v;
-        }
-        array.endArray();
-        array.endStructure();
-        ++count;
-    }
-    array.endArray();
-    return count;
+    return int(NotificationCalls(method).size());
 }
 
 bool WithServices()
@@ -137,26 +69,30 @@ private slots:
         RealDesk desk(TwoAlarms);
         desk.clock.Set(Desk::Monday, QTime(10, 20, 10));
         QVERIFY(desk.window->Load());
-        const QString delay = QStringLiteral("delay/Saving the alarms before the computer sleeps");
-        QTRY_COMPARE(Held(), (QStringList{QStringLiteral("block/2 alarms are set"), delay}));
+        const QString delay =
+            QStringLiteral("sleep/Tarrowind/delay/Saving the alarms before the computer sleeps");
+        QTRY_COMPARE(HeldInhibitors(),
+                     (QStringList{QStringLiteral("sleep/Tarrowind/block/2 alarms are set"), delay}));
         desk.Alarms().At(2).AlarmSet = false;
         desk.window->Alarms().RefreshAlarmList();
-        QTRY_COMPARE(Held(), (QStringList{QStringLiteral("block/1 alarm is set"), delay}));
+        QTRY_COMPARE(HeldInhibitors(),
+                     (QStringList{QStringLiteral("sleep/Tarrowind/block/1 alarm is set"), delay}));
 
         // Going to sleep: the alarms are saved, then the delay is let go.
         desk.store->Write(QStringLiteral("Alarms"), QStringLiteral("Count"), QStringLiteral("99"));
         desk.store->Sync();
-        PrepareForSleep(true);
+        QVERIFY(EmitPrepareForSleep(true));
         QTRY_COMPARE(desk.Stored(QStringLiteral("Alarms/Count")), QStringLiteral("2"));
-        QTRY_COMPARE(Held(), QStringList{QStringLiteral("block/1 alarm is set")});
+        QTRY_COMPARE(HeldInhibitors(), QStringList{QStringLiteral("sleep/Tarrowind/block/1 alarm is set")});
 
         // Asleep past 10:30; on waking the alarm rings at once, late, and the delay is back.
         desk.clock.Set(Desk::Monday, QTime(10, 41, 20));
-        PrepareForSleep(false);
+        QVERIFY(EmitPrepareForSleep(false));
         QTRY_COMPARE(desk.Windows().OpenAlarmWindows().size(), 1);
         QVERIFY(desk.TodaysLog().contains(
             Desk::Line("10:41", "EA", 1, "Alarm Expired for ", "Crew 4 check", ", rang 11 minutes late")));
-        QTRY_COMPARE(Held(), (QStringList{QStringLiteral("block/1 alarm is set"), delay}));
+        QTRY_COMPARE(HeldInhibitors(),
+                     (QStringList{QStringLiteral("sleep/Tarrowind/block/1 alarm is set"), delay}));
     }
 
     void alarmIsOneNoticeWithdrawnOnTheAnswer()
@@ -165,16 +101,16 @@ private slots:
             QSKIP("this run has no notification service");
         RealDesk desk(TwoAlarms);
         QVERIFY(desk.window->Load());
-        const int notifiedBefore = NotificationCalls(QStringLiteral("Notify"));
-        const int closedBefore = NotificationCalls(QStringLiteral("CloseNotification"));
+        const int notifiedBefore = NotificationCount(QStringLiteral("Notify"));
+        const int closedBefore = NotificationCount(QStringLiteral("CloseNotification"));
         desk.window->CheckAlarms(10, 30);
-        QTRY_COMPARE(NotificationCalls(QStringLiteral("Notify")), notifiedBefore + 1);
+        QTRY_COMPARE(NotificationCount(QStringLiteral("Notify")), notifiedBefore + 1);
         QTest::qWait(100); // the service's number comes back
         frmAlarm* window = desk.Windows().AlarmWindow(1);
         QVERIFY(window);
         window->cmdStop_Click();
-        QTRY_COMPARE(NotificationCalls(QStringLiteral("CloseNotification")), closedBefore + 1);
-        QCOMPARE(NotificationCalls(QStringLiteral("Notify")), notifiedBefore + 1);
+        QTRY_COMPARE(NotificationCount(QStringLiteral("CloseNotification")), closedBefore + 1);
+        QCOMPARE(NotificationCount(QStringLiteral("Notify")), notifiedBefore + 1);
     }
 };
 

@@ -142,6 +142,41 @@ private slots:
         QVERIFY(!sync->isDefault());
     }
 
+    void otherModesDoNothing()
+    {
+        Desk desk(AutoSyncIni("2026-11-16 09:30:00"));
+        QVERIFY(desk.window->Load());
+        desk.window->Sync().ScheduleRetry(0); // due now: mode 1 would start a run
+        auto* sync = desk.Find<QPushButton>(QStringLiteral("cmdSync"));
+        desk.window->Sync().SetSynchronised(false); // mode 0 would turn the button red
+        const QColor colour = sync->palette().color(QPalette::Button);
+        for (const int mode : {3, -1, 7}) {
+            desk.window->SyncCheck(mode);
+            QVERIFY(!desk.window->Scheduler().Run());
+            QVERIFY(desk.queries.Made.isEmpty());
+            QCOMPARE(sync->palette().color(QPalette::Button), colour);
+        }
+        desk.window->SyncCheck(1);
+        QVERIFY(desk.window->Scheduler().Run());
+    }
+
+    void syncNowMovesTheFocusOnFromTheButton()
+    {
+        Desk desk(AutoSyncIni("2026-11-16 09:30:00"));
+        QVERIFY(desk.window->Load());
+        desk.window->show();
+        desk.window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
+        auto* sync = desk.Find<QPushButton>(QStringLiteral("cmdSync"));
+        sync->setDefault(true);
+        sync->setFocus();
+        QVERIFY(sync->hasFocus());
+        desk.window->SyncCheck(2);
+        QVERIFY(desk.window->Scheduler().Run());
+        QVERIFY(!sync->isDefault());
+        QVERIFY(!sync->hasFocus());
+    }
+
     void syncButtonOfAManualRunShowsItsOutcome()
     {
         Desk desk(AutoSyncIni("2026-11-16 09:30:00"));

@@ -13,12 +13,17 @@ const QString Service = QStringLiteral("org.freedesktop.Notifications");
 const QString Path = QStringLiteral("/org/freedesktop/Notifications");
 constexpr int CallTimeoutMsec = 5000;
 
-void Close(uint id)
+QDBusMessage CloseCall(uint id)
 {
     QDBusMessage call =
         QDBusMessage::createMethodCall(Service, Path, Service, QStringLiteral("CloseNotification"));
     call << id;
-    QDBusConnection::sessionBus().asyncCall(call, CallTimeoutMsec);
+    return call;
+}
+
+void Close(uint id)
+{
+    QDBusConnection::sessionBus().asyncCall(CloseCall(id), CallTimeoutMsec);
 }
 
 } // namespace
@@ -32,12 +37,8 @@ LinuxDesktopNotifier::~LinuxDesktopNotifier()
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
         return;
-    for (const uint id : std::as_const(m_ids)) {
-        QDBusMessage call =
-            QDBusMessage::createMethodCall(Service, Path, Service, QStringLiteral("CloseNotification"));
-        call << id;
-        bus.call(call, QDBus::Block, 500);
-    }
+    for (const uint id : std::as_const(m_ids))
+        bus.call(CloseCall(id), QDBus::Block, 500);
 }
 
 void LinuxDesktopNotifier::Notify(const QString& key, const QString& title, const QString& body)
@@ -66,7 +67,7 @@ void LinuxDesktopNotifier::Notify(const QString& key, const QString& title, cons
                          }
                          const uint id = reply.value();
                          // Answered before the service said its number: withdrawn at once.
-                         if (m_withdrawnEarly.remove(key) > 0) {
+                         if (m_withdrawnEarly.remove(key)) {
                              Close(id);
                              return;
                          }
@@ -83,7 +84,7 @@ void LinuxDesktopNotifier::Withdraw(const QString& key)
         // Only a notice still to be numbered is withdrawn when it is; a key never notified
         // (a check-in window) leaves nothing behind.
         if (m_pending.contains(key))
-            m_withdrawnEarly.insert(key, 1);
+            m_withdrawnEarly.insert(key);
         return;
     }
     Close(it.value());

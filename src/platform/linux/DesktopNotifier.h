@@ -4,6 +4,7 @@
 
 #include <QHash>
 #include <QObject>
+#include <QSet>
 #include <QString>
 
 // Notices through the desktop's notification service (org.freedesktop.Notifications on the
@@ -16,6 +17,8 @@ public:
     ~LinuxDesktopNotifier() override;
     void Notify(const QString& key, const QString& title, const QString& body) override;
     void Withdraw(const QString& key) override;
+    // Whether a notice of `key` is shown or on its way.
+    bool Holds(const QString& key) const { return m_ids.contains(key) || m_pending.contains(key); }
 
 private:
     // The service's number of each notice shown, by key.
@@ -23,6 +26,6 @@ private:
     // Keys whose notice was asked for and not yet numbered, and of those the ones withdrawn
     // meanwhile.
     QHash<QString, int> m_pending;
-    QHash<QString, int> m_withdrawnEarly;
+    QSet<QString> m_withdrawnEarly;
     QObject m_calls;
 };

@@ -11,6 +11,7 @@ const QString Path = QStringLiteral("/org/freedesktop/login1");
 const QString Manager = QStringLiteral("org.freedesktop.login1.Manager");
 // logind answers at once; a bus that hangs must not hold up the start or the minute.
 constexpr int CallTimeoutMsec = 2000;
+const QString DelayReason = QStringLiteral("Saving the alarms before the computer sleeps");
 
 } // namespace
 
@@ -20,8 +21,7 @@ LinuxSuspendWatch::LinuxSuspendWatch(QObject* parent) : SuspendWatch(parent)
     if (!bus.isConnected())
         return;
     bus.connect(Service, Path, Manager, QStringLiteral("PrepareForSleep"), this, SLOT(PrepareForSleep(bool)));
-    m_delay =
-        Inhibit(QStringLiteral("Saving the alarms before the computer sleeps"), QStringLiteral("delay"));
+    m_delay = Inhibit(DelayReason, QStringLiteral("delay"));
 }
 
 QDBusUnixFileDescriptor LinuxSuspendWatch::Inhibit(const QString& why, const QString& mode) const
@@ -70,6 +70,5 @@ void LinuxSuspendWatch::PrepareForSleep(bool start)
     // What fell due while asleep rings first; the delay for the next sleep is taken after.
     emit Resumed();
     if (!m_delay.isValid())
-        m_delay =
-            Inhibit(QStringLiteral("Saving the alarms before the computer sleeps"), QStringLiteral("delay"));
+        m_delay = Inhibit(DelayReason, QStringLiteral("delay"));
 }

@@ -177,6 +177,7 @@ void frmMain::ConnectOwners()
         if (!m_loaded || m_stopped)
             return;
         // What fell due while asleep rings now, not at the next whole minute.
+        ForgetMinuteSeen();
         tmrMain_Timer();
         ArmTick();
     });
@@ -202,6 +203,8 @@ void frmMain::ConnectOwners()
     connect(m_preferences.get(), &Preferences::Changed, this, [this] {
         if (!m_loaded || m_stopped)
             return;
+        // A changed correction moves the minute at once: the next tick looks again.
+        ForgetMinuteSeen();
         SetTimes();
         ShowTitle();
         ShowStatus();

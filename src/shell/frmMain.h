@@ -11,6 +11,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <limits>
 #include <memory>
 
 class AlarmDesk;
@@ -110,8 +111,9 @@ public:
     // The notice of a failed sync, while it is open.
     frmMessage* SyncMessage() const;
     bool IsStopped() const { return m_stopped; }
-    // Milliseconds from `now` to the next .000 or .500 of a second.
-    static int MsecToNextHalfSecond(const QTime& now);
+    // Milliseconds from `msecs` (since the epoch, or since midnight) to the next .000 or .500
+    // of a second.
+    static int MsecToNextHalfSecond(qint64 msecs);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -164,6 +166,14 @@ private:
     QDate m_lastDate;
     // The last minute of the corrected clock whose work was done.
     QDateTime m_lastHandled;
+    // What the tick knows without reading the local time: the local zone's offset from UTC in
+    // seconds (read at each minute's work), the local second shown in the seconds box, and the
+    // local minute (both counted from the epoch) the tick last did the minute's work in.
+    int m_localOffsetSecs = 0;
+    qint64 m_shownSecond = std::numeric_limits<qint64>::min();
+    qint64 m_minuteSeen = std::numeric_limits<qint64>::min();
+    // Makes the next tick do the minute's work even within the same minute.
+    void ForgetMinuteSeen() { m_minuteSeen = std::numeric_limits<qint64>::min(); }
 
     ClockPanel* m_picMain = nullptr;
     CalcPanel* m_picCalc = nullptr;

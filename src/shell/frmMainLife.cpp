@@ -177,15 +177,24 @@ bool frmMain::Load()
     }
 }
 
-int frmMain::MsecToNextHalfSecond(const QTime& now)
+namespace {
+
+qint64 FloorDiv(qint64 a, qint64 b)
 {
-    return 500 - now.msec() % 500;
+    return a / b - ((a % b != 0) && ((a < 0) != (b < 0)) ? 1 : 0);
+}
+
+} // namespace
+
+int frmMain::MsecToNextHalfSecond(qint64 msecs)
+{
+    return int(500 - (msecs - FloorDiv(msecs, 500) * 500));
 }
 
 void frmMain::ArmTick()
 {
     if (!m_stopped)
-        m_tmrMain.start(MsecToNextHalfSecond(m_clock.Now().time()));
+        m_tmrMain.start(MsecToNextHalfSecond(m_clock.MSecsSinceEpoch()));
 }
 
 QDateTime frmMain::CorrectedMinute() const
@@ -196,13 +205,26 @@ QDateTime frmMain::CorrectedMinute() const
 void frmMain::tmrMain_Timer()
 {
     try {
-        const QString seconds = m_clock.Now().toString(QStringLiteral("ss"));
+        // Most ticks change nothing, so a tick reads only the milliseconds of the system clock:
+        // reading the local time makes the C library check the zone file each time. The local
+        // second is the UTC second shifted by the zone's offset, kept from the minute's work.
+        const qint64 second = FloorDiv(m_clock.MSecsSinceEpoch(), 1000);
+        const qint64 localSecond = second + m_localOffsetSecs;
         // Half the ticks fall in a second already shown: repaint only on a change.
-        if (m_picMain->Seconds()->text() != seconds)
-            m_picMain->Seconds()->setText(seconds);
+        if (localSecond != m_shownSecond) {
+            m_shownSecond = localSecond;
+            const int ss = int(localSecond - FloorDiv(localSecond, 60) * 60);
+            m_picMain->Seconds()->setText(QStringLiteral("%1").arg(ss, 2, 10, QLatin1Char('0')));
+        }
         // While the sync run sets the clock, the half-set clock is not acted on.
         if (m_sync->ClockBeingSet())
             return;
+        // Zone offsets are whole minutes, so the minute changes when the local second crosses
+        // a multiple of 60; only then is the local time read.
+        if (FloorDiv(localSecond, 60) == m_minuteSeen)
+            return;
+        m_localOffsetSecs = m_clock.Now().offsetFromUtc();
+        m_minuteSeen = FloorDiv(second + m_localOffsetSecs, 60);
         // A new minute is handled at the first tick that sees it, normally the one at second
         // 0; a late tick, or a clock step across second 0, loses nothing.
         const QDateTime minute = CorrectedMinute();
@@ -298,6 +320,7 @@ void frmMain::SysInfo1_TimeChanged()
     // that a step forward passed are caught up now.
     SetTimes();
     ShowTitle();
+    ForgetMinuteSeen();
     tmrMain_Timer();
     ArmTick();
     // With automatic sync on, a clock changed by someone else is checked against the server;

@@ -276,6 +276,30 @@ private slots:
         QCOMPARE(desk.window->InternetNow(), QStringLiteral("10:15"));
     }
 
+    void ticksWithinAMinuteDoNotReadTheLocalTime()
+    {
+        Desk desk;
+        desk.clock.Set(Monday, QTime(10, 0, 0, 100));
+        QVERIFY(desk.window->Load());
+        desk.window->tmrMain_Timer();
+        const int reads = desk.clock.NowReads();
+        auto* seconds = desk.Find<QLineEdit>(QStringLiteral("txtSeconds"));
+        // Every half second up to 10:00:59.600: the seconds box follows, the zone is not read.
+        for (int tick = 1; tick < 120; ++tick) {
+            desk.clock.Set(Monday, QTime(10, 0, 0, 100).addMSecs(tick * 500));
+            desk.window->tmrMain_Timer();
+            QCOMPARE(seconds->text(), QStringLiteral("%1").arg(tick / 2, 2, 10, QLatin1Char('0')));
+        }
+        QCOMPARE(desk.clock.NowReads(), reads);
+        QCOMPARE(desk.FaceText(1), QStringLiteral("10:00"));
+        // The next minute is read and shown at its first tick.
+        desk.clock.Set(Monday, QTime(10, 1, 0, 100));
+        desk.window->tmrMain_Timer();
+        QVERIFY(desk.clock.NowReads() > reads);
+        QCOMPARE(seconds->text(), QStringLiteral("00"));
+        QCOMPARE(desk.FaceText(1), QStringLiteral("10:01"));
+    }
+
     void midnightOpensTheNewDaysLogBeforeTheMinutesWork()
     {
         Desk desk(LogAllEvents);
@@ -885,11 +909,11 @@ private slots:
 
     void tickStaysInPhaseWithTheWallClock()
     {
-        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 0)), 500);
-        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 1)), 499);
-        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 499)), 1);
-        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 500)), 500);
-        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 750)), 250);
+        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 0).msecsSinceStartOfDay()), 500);
+        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 1).msecsSinceStartOfDay()), 499);
+        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 499).msecsSinceStartOfDay()), 1);
+        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 500).msecsSinceStartOfDay()), 500);
+        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 750).msecsSinceStartOfDay()), 250);
         Desk desk;
         desk.clock.Set(Monday, QTime(10, 0, 17, 250));
         QVERIFY(desk.window->Load());

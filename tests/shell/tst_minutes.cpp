@@ -63,6 +63,23 @@ private slots:
         QCOMPARE(LogAfterStart(desk), Desk::Line("10:15", "EA", 0, "Alarm Expired for ", "At start", ""));
     }
 
+    void aChangedCorrectionRingsWhatItPassesAtTheNextTick()
+    {
+        Desk desk(Ini("Count=1\nMessage%201=Corrected\nExpire%201=10:02\nAlarmSet%201=True\n"));
+        desk.clock.Set(Desk::Monday, QTime(10, 0, 10));
+        QVERIFY(desk.window->Load());
+        desk.Tick(QTime(10, 0, 10, 500));
+        QVERIFY(OpenWindowAlarms(desk).isEmpty());
+        // The clock is found three minutes slow: the corrected time passes 10:02 within the
+        // same minute of the computer's clock, and the next tick rings it.
+        Settings values = desk.window->Prefs().Values();
+        values.InetMinOffset = 3;
+        desk.window->Prefs().Replace(values);
+        desk.Tick(QTime(10, 0, 11));
+        QCOMPARE(OpenWindowAlarms(desk), QList<int>{1});
+        QCOMPARE(desk.FaceText(1), QStringLiteral("10:03"));
+    }
+
     void stepOfTwoSecondsAcrossSecondZeroLosesNothing()
     {
         Desk desk(Ini("Count=1\nMessage%201=Stepped\nExpire%201=10:15\nAlarmSet%201=True\n"));

@@ -16,6 +16,7 @@
 #include "platform/PlatformServices.h"
 #include "settings/SettingsStore.h"
 #include "shell/frmMain.h"
+#include "widgets/SecondsBox.h"
 
 #include <QApplication>
 #include <QDateTime>
@@ -140,9 +141,9 @@ int main(int argc, char* argv[])
     window.show();
     const qint64 loadMsec = startUp.elapsed();
 
-    auto* secondsBox = window.findChild<QLineEdit*>(QStringLiteral("txtSeconds"));
+    auto* secondsBox = window.findChild<SecondsBox*>(QStringLiteral("txtSeconds"));
     if (secondsBox == nullptr) {
-        Err() << "bench_tick: no QLineEdit named txtSeconds in the main window\n";
+        Err() << "bench_tick: no SecondsBox named txtSeconds in the main window\n";
         return 1;
     }
 
@@ -151,7 +152,7 @@ int main(int argc, char* argv[])
     int wrongSecond = 0;
     QElapsedTimer run;
     run.start();
-    QObject::connect(secondsBox, &QLineEdit::textChanged, &app, [&](const QString& text) {
+    QObject::connect(secondsBox, &SecondsBox::textChanged, &app, [&](const QString& text) {
         const QTime now = QDateTime::currentDateTime().time();
         if (run.elapsed() < WarmUpMsec)
             return;

@@ -30,6 +30,7 @@ QStringList DataFolders()
 
 int main(int argc, char* argv[])
 {
+    PrepareDisplay();
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Tarrowind"));
     QApplication::setApplicationVersion(QStringLiteral(TW_VERSION_TEXT));

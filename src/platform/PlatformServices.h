@@ -22,6 +22,9 @@ struct PlatformServices
     std::unique_ptr<DesktopNotifier> notifier;
 };
 
+// Settings of the connection to the display that must be made before the application object
+// exists (the program calls it first thing).
+void PrepareDisplay();
 // The services of this system; where a service is not built yet for this system, its Null one.
 PlatformServices CreatePlatformServices();
 // Every service's Null one (they do nothing): the base of each system's set.

@@ -2,15 +2,15 @@
 
 #include "widgets/Colours.h"
 #include "widgets/Icons.h"
+#include "widgets/SecondsBox.h"
 
 #include <QGridLayout>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QToolButton>
 
 ClockPanel::ClockPanel(QWidget* parent)
-    : QFrame(parent), m_seconds(new QLineEdit(this)), m_onTop(new QToolButton(this)),
+    : QFrame(parent), m_seconds(new SecondsBox(this)), m_onTop(new QToolButton(this)),
       m_notTop(new QToolButton(this)), m_help(new QToolButton(this)),
       m_sync(new QPushButton(QStringLiteral("Clock Sync"), this))
 {
@@ -46,10 +46,8 @@ ClockPanel::ClockPanel(QWidget* parent)
     }
 
     m_seconds->setObjectName(QStringLiteral("txtSeconds"));
-    m_seconds->setAccessibleName(QStringLiteral("txtSeconds"));
-    m_seconds->setReadOnly(true); // display only: every key is discarded
-    m_seconds->setFocusPolicy(Qt::NoFocus);
-    m_seconds->setAlignment(Qt::AlignCenter);
+    // Read out as "Seconds" with the seconds shown as its value.
+    m_seconds->setAccessibleName(QStringLiteral("Seconds"));
     m_seconds->setFixedWidth(44);
     m_seconds->setText(QStringLiteral("00"));
     auto* secondsCaption = new QLabel(QStringLiteral("Sec"), this);

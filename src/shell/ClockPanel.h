@@ -7,9 +7,9 @@
 #include <array>
 
 class QLabel;
-class QLineEdit;
 class QPushButton;
 class QToolButton;
+class SecondsBox;
 
 // The clock panel `picMain`: six zone faces with their captions, the seconds box, the
 // stay-on-top pictures, the help picture and the sync button.
@@ -20,7 +20,7 @@ public:
     explicit ClockPanel(QWidget* parent = nullptr);
 
     QLabel* Face(int index) const { return m_faces.at(std::size_t(index)); }
-    QLineEdit* Seconds() const { return m_seconds; }
+    SecondsBox* Seconds() const { return m_seconds; }
     QPushButton* SyncButton() const { return m_sync; }
     QToolButton* HelpImage() const { return m_help; }
     QToolButton* OnTopImage() const { return m_onTop; }
@@ -40,7 +40,7 @@ private:
     std::array<QLabel*, ZoneCount> m_captions{};
     std::array<ColourValue, ZoneCount> m_fore{};
     std::array<ColourValue, ZoneCount> m_back{};
-    QLineEdit* m_seconds;
+    SecondsBox* m_seconds;
     QToolButton* m_onTop;
     QToolButton* m_notTop;
     QToolButton* m_help;

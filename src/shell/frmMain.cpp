@@ -31,6 +31,7 @@
 #include "widgets/Icons.h"
 #include "widgets/KeyedStatusBar.h"
 #include "widgets/MessageBox.h"
+#include "widgets/SecondsBox.h"
 #include "widgets/TopMost.h"
 #include "widgets/WindowModal.h"
 

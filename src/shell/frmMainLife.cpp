@@ -19,6 +19,7 @@
 #include "sync/SyncScheduler.h"
 #include "sync/SyncState.h"
 #include "widgets/MessageBox.h"
+#include "widgets/SecondsBox.h"
 
 #include <QApplication>
 #include <QCloseEvent>

@@ -2,6 +2,7 @@
 #include "alarms/frmAlarm.h"
 #include "sync/SyncState.h"
 #include "widgets/MessageBox.h"
+#include "widgets/SecondsBox.h"
 #include "widgets/TopMost.h"
 
 #include <QCheckBox>
@@ -49,7 +50,7 @@ private slots:
         QCOMPARE(desk.FaceFore(1), QColor(255, 255, 0)); // yellow
         QCOMPARE(desk.Find<QLabel>(QStringLiteral("lblClock1_1"))->palette().color(QPalette::Window),
                  QColor(1, 0, 0)); // practically black
-        QCOMPARE(desk.Find<QLineEdit>(QStringLiteral("txtSeconds"))->font().pointSizeF(), 16.0 * 0.9);
+        QCOMPARE(desk.Find<SecondsBox>(QStringLiteral("txtSeconds"))->font().pointSizeF(), 16.0 * 0.9);
         QCOMPARE(desk.FaceText(1), QStringLiteral("10:00")); // Pacific is the local zone
         QCOMPARE(desk.FaceText(4), QStringLiteral("13:00"));
         QCOMPARE(desk.window->windowTitle(),
@@ -207,13 +208,13 @@ private slots:
         Desk desk;
         QVERIFY(desk.window->Load());
         desk.Tick(QTime(10, 0, 42, 500));
-        QCOMPARE(desk.Find<QLineEdit>(QStringLiteral("txtSeconds"))->text(), QStringLiteral("42"));
+        QCOMPARE(desk.Find<SecondsBox>(QStringLiteral("txtSeconds"))->text(), QStringLiteral("42"));
         QCOMPARE(desk.FaceText(1), QStringLiteral("10:00"));
         desk.Find<QLabel>(QStringLiteral("lblClock1_1"))->setText(QStringLiteral("mark"));
         desk.Tick(QTime(10, 0, 59, 500)); // the same minute: the faces are left alone
         QCOMPARE(desk.FaceText(1), QStringLiteral("mark"));
         desk.Tick(QTime(10, 1, 0, 0));
-        QCOMPARE(desk.Find<QLineEdit>(QStringLiteral("txtSeconds"))->text(), QStringLiteral("00"));
+        QCOMPARE(desk.Find<SecondsBox>(QStringLiteral("txtSeconds"))->text(), QStringLiteral("00"));
         QCOMPARE(desk.FaceText(1), QStringLiteral("10:01"));
         // A tick that comes late still shows the new minute at once.
         desk.Tick(QTime(10, 5, 42, 500));
@@ -224,7 +225,7 @@ private slots:
     {
         Desk desk;
         QVERIFY(desk.window->Load());
-        auto* seconds = desk.Find<QLineEdit>(QStringLiteral("txtSeconds"));
+        auto* seconds = desk.Find<SecondsBox>(QStringLiteral("txtSeconds"));
         desk.Tick(QTime(10, 5, 42));
         QTest::keyClicks(seconds, QStringLiteral("99"));
         QCOMPARE(seconds->text(), QStringLiteral("42"));
@@ -270,7 +271,7 @@ private slots:
         desk.store->Write(QStringLiteral("Alarms"), QStringLiteral("Count"), QStringLiteral("99"));
         // PC time 10:17:00 is corrected to 10:15: the quarter-hour save runs.
         desk.Tick(QTime(10, 17, 0));
-        QCOMPARE(desk.Find<QLineEdit>(QStringLiteral("txtSeconds"))->text(), QStringLiteral("00"));
+        QCOMPARE(desk.Find<SecondsBox>(QStringLiteral("txtSeconds"))->text(), QStringLiteral("00"));
         QCOMPARE(desk.FaceText(1), QStringLiteral("10:15"));
         QCOMPARE(desk.Stored(QStringLiteral("Alarms/Count")), QStringLiteral("0"));
         QCOMPARE(desk.window->InternetNow(), QStringLiteral("10:15"));
@@ -283,7 +284,7 @@ private slots:
         QVERIFY(desk.window->Load());
         desk.window->tmrMain_Timer();
         const int reads = desk.clock.NowReads();
-        auto* seconds = desk.Find<QLineEdit>(QStringLiteral("txtSeconds"));
+        auto* seconds = desk.Find<SecondsBox>(QStringLiteral("txtSeconds"));
         // Every half second up to 10:00:59.600: the seconds box follows, the zone is not read.
         for (int tick = 1; tick < 120; ++tick) {
             desk.clock.Set(Monday, QTime(10, 0, 0, 100).addMSecs(tick * 500));

@@ -1,6 +1,7 @@
 #include "Desk.h"
 #include "alarms/frmAlarm.h"
 #include "widgets/MessageBox.h"
+#include "widgets/SecondsBox.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -179,7 +180,7 @@ private slots:
         desk.clock.Set(Desk::Monday, QTime(10, 16, 0, 0));
         QTRY_VERIFY_WITH_TIMEOUT(OpenWindowAlarms(desk).contains(2), 3000);
         QVERIFY(OpenMessageBox() != nullptr);
-        QCOMPARE(desk.Find<QLineEdit>(QStringLiteral("txtSeconds"))->text(), QStringLiteral("00"));
+        QCOMPARE(desk.Find<SecondsBox>(QStringLiteral("txtSeconds"))->text(), QStringLiteral("00"));
     }
 };
 

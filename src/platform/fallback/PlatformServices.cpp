@@ -7,3 +7,5 @@ PlatformServices CreatePlatformServices()
     services.flash = WindowFlash::Create();
     return services;
 }
+
+void PrepareDisplay() {}

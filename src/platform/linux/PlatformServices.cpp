@@ -11,6 +11,18 @@
 #include <QDir>
 #include <QStandardPaths>
 
+void PrepareDisplay()
+{
+    // On X11, Qt hands each repaint to the server through shared memory and then waits for the
+    // server's reply before the next one; for the seconds box, repainted once a second all day,
+    // that round trip wakes the program three or four more times a second. Sent as a plain
+    // image instead, a repaint costs one write and no wake-up. Large repaints (the logbook
+    // view) copy more bytes through the socket, which is still a few milliseconds at most on
+    // a local display. Whoever sets the variable keeps their choice.
+    if (!qEnvironmentVariableIsSet("QT_XCB_NO_MITSHM"))
+        qputenv("QT_XCB_NO_MITSHM", "1");
+}
+
 // Every service as Linux gives it: the window flash through X11, the clock set through
 // clock_settime or timedated, its changes heard through a timerfd, sleep through logind,
 // a dial-up link found through NetworkManager, notices through the desktop's notification

@@ -68,8 +68,10 @@ PRELUDE
     } >"$work/inner.sh"
     # E2E_DROP_CAPS drops more (dac_override: root may not write where others may not).
     local caps="-sys_time${E2E_DROP_CAPS:+,-$E2E_DROP_CAPS}"
+    # -noreset: the server would otherwise reset when its last client leaves (a program that
+    # ended, a window query) and refuse the connections that come meanwhile.
     setpriv --bounding-set "$caps" --inh-caps "$caps" -- \
-        xvfb-run -a -s "-screen 0 1024x768x24" bash "$work/inner.sh"
+        xvfb-run -a -s "-screen 0 1024x768x24 -noreset" bash "$work/inner.sh"
 }
 
 check() { # DESCRIPTION CONDITION

@@ -42,16 +42,55 @@ QByteArray LogViewHeader()
                              "\\deflang1033\\pard\\plain\\f2\\fs20 \r\n");
 }
 
-QByteArray LogViewEntry(const LogFields& f)
+namespace {
+
+void AppendEntry(QByteArray& out, const LogFields& f)
 {
     // The texts go into the document as they are, without escaping.
-    return QByteArrayLiteral("\\par\\pard\\plain\\f0\\fs10 ") + f[1].toUtf8() + "--" + f[4].toUtf8() +
-           "\\f2 " + f[5].toUtf8() + "\\f0 " + f[6].toUtf8() + "\r\n";
+    out += "\\par\\pard\\plain\\f0\\fs10 ";
+    out += f[1].toUtf8();
+    out += "--";
+    out += f[4].toUtf8();
+    out += "\\f2 ";
+    out += f[5].toUtf8();
+    out += "\\f0 ";
+    out += f[6].toUtf8();
+    out += "\r\n";
+}
+
+} // namespace
+
+QByteArray LogViewEntry(const LogFields& f)
+{
+    QByteArray line;
+    AppendEntry(line, f);
+    return line;
 }
 
 QByteArray LogViewFooter()
 {
     return QByteArrayLiteral("\\par }\r\n");
+}
+
+QByteArray LogViewNote(const QString& note)
+{
+    return QByteArrayLiteral("\\par\\pard\\plain\\f0\\fs10 ") + note.toUtf8() + "\r\n";
+}
+
+QByteArray LogViewDocument(const LogViewDay& day)
+{
+    QByteArray text = LogViewHeader();
+    // Room for the usual entry: the control words and line end, texts mostly in ASCII.
+    qsizetype size = text.size() + 64;
+    for (const LogFields& entry : day.Entries)
+        size += 40 + entry[1].size() + entry[4].size() + entry[5].size() + entry[6].size();
+    text.reserve(size + size / 8);
+    for (const LogFields& entry : day.Entries)
+        AppendEntry(text, entry);
+    if (!day.CutNote.isEmpty())
+        text += LogViewNote(day.CutNote);
+    text += LogViewFooter();
+    return text;
 }
 
 LogDayRead ReadLogDay(QIODevice& file, QDate day, const QLocale& locale, qint64 maxBytes)

@@ -2,8 +2,11 @@
 
 #include "logbook/LogBook.h"
 
+#include <QByteArrayView>
 #include <QHash>
 #include <QIODevice>
+
+#include <algorithm>
 
 std::optional<LogFields> SplitLogLine(QStringView line)
 {
@@ -96,34 +99,47 @@ QByteArray LogViewDocument(const LogViewDay& day)
 LogDayRead ReadLogDay(QIODevice& file, QDate day, const QLocale& locale, qint64 maxBytes)
 {
     LogDayRead read;
+    // The bytes that may be read are read at once: up to the limit, never past it (one
+    // endless line must not be read whole).
+    const QByteArray data =
+        maxBytes >= 0 ? file.read(std::max<qint64>(maxBytes - file.pos(), 0)) : file.readAll();
+    const bool moreAfter = !file.atEnd();
     // Nearly every line of a day carries the same date text: read each text once.
     QHash<QString, std::optional<QDate>> dates;
-    while (!file.atEnd()) {
-        if (maxBytes >= 0 && file.pos() >= maxBytes) {
-            read.Cut = true;
+    QString lastText;
+    std::optional<QDate> lastDate;
+    qsizetype at = 0;
+    while (at < data.size() || moreAfter) {
+        if (at >= data.size()) {
+            read.Cut = true; // a line begins at the limit
             break;
         }
-        // A line is read up to the limit too: one endless line must not be read whole.
-        const QByteArray bytes = maxBytes >= 0 ? file.readLine(maxBytes - file.pos() + 1) : file.readLine();
-        if (maxBytes >= 0 && !bytes.endsWith('\n') && !file.atEnd()) {
-            read.Cut = true;
+        const qsizetype newline = data.indexOf('\n', at);
+        const qsizetype end = newline < 0 ? data.size() : newline + 1;
+        if (newline < 0 && moreAfter) {
+            read.Cut = true; // the line runs on past the limit
             break;
         }
-        QString line = QString::fromUtf8(bytes);
+        QString line = QString::fromUtf8(QByteArrayView(data).sliced(at, end - at));
+        at = end;
         while (line.endsWith(u'\n') || line.endsWith(u'\r'))
             line.chop(1);
         const auto fields = SplitLogLine(line);
         if (!fields)
             continue;
-        auto known = dates.constFind((*fields)[0]);
-        if (known == dates.cend())
-            known = dates.insert((*fields)[0], ParseLogDate((*fields)[0], locale));
-        const std::optional<QDate>& date = *known;
-        if (!date)
+        const QString& text = (*fields)[0];
+        if (text != lastText || lastText.isNull()) {
+            auto known = dates.constFind(text);
+            if (known == dates.cend())
+                known = dates.insert(text, ParseLogDate(text, locale));
+            lastText = known.key();
+            lastDate = *known;
+        }
+        if (!lastDate)
             continue;
-        if (*date == day)
+        if (*lastDate == day)
             read.Entries.append(*fields);
-        read.SeenDates.append(*date);
+        read.SeenDates.append(*lastDate);
     }
     return read;
 }

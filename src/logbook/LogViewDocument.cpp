@@ -223,9 +223,11 @@ void BuildLogView(QTextDocument& document, const LogViewDay& day, double sizeFac
     }
     const bool undo = document.isUndoRedoEnabled();
     document.setUndoRedoEnabled(false);
-    document.clear();
     QTextCursor editing(&document);
     editing.beginEditBlock();
+    // Cleared inside the edit block, the whole content is new in one change: a view lays it
+    // out a step at a time as it is shown, not all of it at once here.
+    document.clear();
     {
         Builder builder(document, *formats, sizeFactor);
         for (const LogFields& entry : day.Entries)

@@ -459,7 +459,7 @@ private:
     int m_ucSkip = 0;         // fallback characters still to skip after \u
     bool m_paragraphPending = false;
     bool m_ended = false;    // the outermost group has closed: the rest is not read
-    qsizetype m_binLeft = 0; // bytes of \\bin data still to skip in the next piece
+    qsizetype m_binLeft = 0; // bytes of \bin data still to skip in the next piece
     QByteArray m_raw;        // text bytes not yet decoded
     QString m_text;          // decoded text not yet in the document
 

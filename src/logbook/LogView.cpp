@@ -104,6 +104,10 @@ LogDayRead ReadLogDay(QIODevice& file, QDate day, const QLocale& locale, qint64 
     const QByteArray data =
         maxBytes >= 0 ? file.read(std::max<qint64>(maxBytes - file.pos(), 0)) : file.readAll();
     const bool moreAfter = !file.atEnd();
+    // Room for every line at once: the entries are not moved as the lists grow.
+    const qsizetype lines = data.count('\n') + 1;
+    read.Entries.reserve(lines);
+    read.SeenDates.reserve(lines);
     // Nearly every line of a day carries the same date text: read each text once.
     QHash<QString, std::optional<QDate>> dates;
     QString lastText;

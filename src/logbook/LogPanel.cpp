@@ -1,10 +1,10 @@
 #include "logbook/LogPanel.h"
 
 #include "logbook/LogPrinter.h"
+#include "logbook/LogViewDocument.h"
 #include "logbook/LogViewer.h"
 #include "widgets/MonthCalendar.h"
 #include "widgets/Named.h"
-#include "widgets/RtfReader.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -87,7 +87,7 @@ LogPanel::LogPanel(LogViewer& viewer, LogBook& log, QWidget* parent)
     connect(&m_viewer, &LogViewer::LogBookDateChanged, this,
             [this](QDate day) { SetDateCaption(m_viewer.FormatDateLong(day)); });
     connect(&m_viewer, &LogViewer::PlainTextShown, this, &LogPanel::ShowPlainText);
-    connect(&m_viewer, &LogViewer::DocumentShown, this, &LogPanel::ShowDocument);
+    connect(&m_viewer, &LogViewer::DayShown, this, &LogPanel::ShowDay);
     connect(&m_viewer, &LogViewer::PrintAvailable, this, &LogPanel::SetPrintEnabled);
     connect(&m_viewer, &LogViewer::DaysMarked, this, &LogPanel::ShowMarkedDays);
     connect(m_hscDate, &QScrollBar::valueChanged, this, &LogPanel::hscDate_Change);
@@ -138,15 +138,15 @@ void LogPanel::ShowPlainText(const QString& text)
     m_txtLog->setPlainText(text);
 }
 
-void LogPanel::ShowDocument(const QByteArray& rtf)
+void LogPanel::ShowDay(const LogViewDay& day)
 {
     QFont font = m_txtLog->font();
     font.setFamily(QStringLiteral("Arial"));
     m_txtLog->setFont(font);
-    // The viewer keeps its one document: reading replaces its content.
+    // The viewer keeps its one document: building replaces its content.
     QTextDocument* document = m_txtLog->document();
     document->setDefaultFont(font);
-    ReadRtf(rtf, *document, 2.0);
+    BuildLogView(*document, day, DisplayFactor);
 }
 
 void LogPanel::SetPrintEnabled(bool enabled)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "logbook/LogBook.h"
+#include "logbook/LogView.h"
 
 #include <QFrame>
 
@@ -28,10 +29,11 @@ public:
     void EnableChoicesFromLogCheck();
     void SetDateCaption(const QString& text);
 
-    // The viewer's text: plain text, or a rich-text document (shown at twice its size: the
-    // entries are written at 5 points).
+    // The viewer's text: plain text, or a day as its rich-text document "LogBook.rtf" reads
+    // (shown at DisplayFactor times its size: the entries are written at 5 points).
+    static constexpr double DisplayFactor = 2.0;
     void ShowPlainText(const QString& text);
-    void ShowDocument(const QByteArray& rtf);
+    void ShowDay(const LogViewDay& day);
     void SetPrintEnabled(bool enabled);
 
     void hscDate_Change(int value);

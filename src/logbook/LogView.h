@@ -23,6 +23,18 @@ std::optional<LogFields> SplitLogLine(QStringView line);
 QByteArray LogViewHeader();                       // lines 1 to 4
 QByteArray LogViewEntry(const LogFields& fields); // one line per shown entry
 QByteArray LogViewFooter();                       // the last line
+QByteArray LogViewNote(const QString& note);      // a line of the viewer's own, in the entries' font
+
+// What the viewer shows of a day: its entries, and the note of a file too large to read
+// whole (empty when it was read whole).
+struct LogViewDay
+{
+    QList<LogFields> Entries;
+    QString CutNote;
+};
+
+// The whole view document of a day: the header, one line per entry, the note, the footer.
+QByteArray LogViewDocument(const LogViewDay& day);
 
 struct LogDayRead
 {

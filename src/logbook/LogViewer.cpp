@@ -57,13 +57,8 @@ void LogViewer::RefreshLogView()
     if (read.OpenError)
         emit Failed(*read.OpenError);
 
-    QByteArray text = LogViewHeader();
-    for (const LogFields& entry : read.Entries)
-        text += LogViewEntry(entry);
-    if (read.Cut)
-        text += QByteArrayLiteral("\\par\\pard\\plain\\f0\\fs10 ") + CutNote(read.Size, u"shown").toUtf8() +
-                "\r\n";
-    text += LogViewFooter();
+    LogViewDay shown{read.Entries, read.Cut ? CutNote(read.Size, u"shown") : QString()};
+    const QByteArray text = LogViewDocument(shown);
     Mark(read.SeenDates);
 
     QFile document(QStringLiteral("LogBook.rtf"));
@@ -78,8 +73,9 @@ void LogViewer::RefreshLogView()
     if (document.write(text) != text.size() || !document.flush())
         return failed();
     document.close();
-    // The viewer shows the document just written, from the same bytes.
-    emit DocumentShown(text);
+    // The viewer builds the document just written from the same entries, without reading
+    // it back.
+    emit DayShown(shown);
 }
 
 LogViewer::PrintLines LogViewer::ReadPrintLines(QDate day)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "logbook/LogView.h"
+
 #include <QDate>
 #include <QLocale>
 #include <QObject>
@@ -12,8 +14,9 @@ class Clock;
 class LogBook;
 
 // The logbook viewer's state: the day it shows (LogBookDate), the days known to have a
-// log, and the redraw of the view through the document "LogBook.rtf". The viewer panel
-// shows what it announces; the printout reads its lines here.
+// log, and the redraw of the view: the day's document "LogBook.rtf" is written, and the
+// viewer panel shows the same day (and whatever else it announces); the printout reads its
+// lines here.
 class LogViewer : public QObject
 {
     Q_OBJECT
@@ -45,7 +48,8 @@ public:
 signals:
     void LogBookDateChanged(QDate day);
     void PlainTextShown(const QString& text);
-    void DocumentShown(const QByteArray& rtf);
+    // The day written to "LogBook.rtf" (LogViewDocument), for the view to show.
+    void DayShown(const LogViewDay& day);
     void PrintAvailable(bool enabled);
     void DaysMarked();
     void Failed(const QString& message);

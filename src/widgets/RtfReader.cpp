@@ -49,27 +49,41 @@ struct FontDef
     QFont::StyleHint hint = QFont::SansSerif;
 };
 
-class RtfParser
+} // namespace
+
+namespace rtf {
+
+class Parser
 {
 public:
-    RtfParser(const QByteArray& rtf, QTextDocument& document, double sizeFactor)
-        : m_sizeFactor(sizeFactor), m_data(rtf), m_document(document), m_cursor(&document),
+    Parser(QTextDocument& document, double sizeFactor)
+        : m_sizeFactor(sizeFactor), m_document(document), m_cursor(&document),
           m_general(SystemFamily(QFontDatabase::GeneralFont, QStringLiteral("Sans Serif"))),
           m_fixed(SystemFamily(QFontDatabase::FixedFont, QStringLiteral("Monospace")))
-    {}
-
-    void Run()
     {
+        m_cursor.movePosition(QTextCursor::End);
+    }
+
+    // Reads the next piece; reading goes on where the last piece stopped.
+    void Run(QByteArrayView piece)
+    {
+        if (m_ended)
+            return;
+        m_data = piece;
         const qsizetype n = m_data.size();
-        qsizetype i = 0;
+        // Binary data announced in an earlier piece runs on into this one.
+        qsizetype i = std::min(m_binLeft, n);
+        m_binLeft -= i;
         while (i < n) {
             const auto c = std::uint8_t(m_data[i]);
             if (c == '{') {
                 OpenGroup();
                 ++i;
             } else if (c == '}') {
-                if (CloseGroup())
+                if (CloseGroup()) {
+                    m_ended = true;
                     break;
+                }
                 ++i;
             } else if (c == '\\') {
                 i = ReadControl(i + 1);
@@ -78,7 +92,24 @@ public:
                 ++i;
             }
         }
-        Finish();
+        m_data = {};
+    }
+
+    bool AtRest() const
+    {
+        return !m_ended && m_stack.size() == 1 && m_overflow == 0 && m_state.dest == Dest::Text &&
+               m_ucSkip == 0 && m_binLeft == 0 && m_state.uc == State().uc && !m_paragraphPending &&
+               m_cursor.block().length() > 1;
+    }
+
+    void Finish()
+    {
+        Flush();
+        if (!m_paragraphPending)
+            m_cursor.setBlockFormat(m_state.BlockFormat());
+        QTextOption option = m_document.defaultTextOption();
+        option.setTabStopDistance(m_deftab / rtf::kTwipsPerPixel);
+        m_document.setDefaultTextOption(option);
     }
 
 private:
@@ -217,8 +248,12 @@ private:
         const int value = int(std::min(number, kMaxNumber)) * (negative ? -1 : 1);
         if (j < n && m_data[j] == ' ')
             ++j;
-        if (kw == Kw::Bin) // binary data: skipped whatever the state
-            return j + std::clamp(qsizetype(value), qsizetype(0), n - j);
+        if (kw == Kw::Bin) { // binary data: skipped whatever the state
+            const qsizetype data = std::max(qsizetype(value), qsizetype(0));
+            const qsizetype here = std::min(data, n - j);
+            m_binLeft = data - here;
+            return j + here;
+        }
         if (!Skipping() && !SkipFallback())
             Word(kw, hasNumber, value);
         return j;
@@ -387,16 +422,6 @@ private:
         m_paragraphPending = true;
     }
 
-    void Finish()
-    {
-        Flush();
-        if (!m_paragraphPending)
-            m_cursor.setBlockFormat(m_state.BlockFormat());
-        QTextOption option = m_document.defaultTextOption();
-        option.setTabStopDistance(m_deftab / rtf::kTwipsPerPixel);
-        m_document.setDefaultTextOption(option);
-    }
-
     const FontDef& Font(int number) const
     {
         auto it = m_fonts.constFind(number < 0 ? m_deff : number);
@@ -421,7 +446,7 @@ private:
         return format;
     }
 
-    const QByteArray& m_data;
+    QByteArrayView m_data; // the piece being read
     QTextDocument& m_document;
     QTextCursor m_cursor;
     const QString m_general;
@@ -433,8 +458,10 @@ private:
     qsizetype m_overflow = 0; // groups open beyond kMaxDepth
     int m_ucSkip = 0;         // fallback characters still to skip after \u
     bool m_paragraphPending = false;
-    QByteArray m_raw; // text bytes not yet decoded
-    QString m_text;   // decoded text not yet in the document
+    bool m_ended = false;    // the outermost group has closed: the rest is not read
+    qsizetype m_binLeft = 0; // bytes of \bin data still to skip in the next piece
+    QByteArray m_raw;        // text bytes not yet decoded
+    QString m_text;          // decoded text not yet in the document
 
     QHash<int, FontDef> m_fonts;
     int m_deff = 0;
@@ -448,21 +475,66 @@ private:
     bool m_colorSet = false;
 };
 
-} // namespace
+} // namespace rtf
+
+RtfAppender::RtfAppender(QTextDocument& document, double sizeFactor)
+    : m_document(document), m_undo(document.isUndoRedoEnabled())
+{
+    m_document.setUndoRedoEnabled(false);
+    QTextCursor(&m_document).beginEditBlock();
+    try {
+        m_parser = std::make_unique<rtf::Parser>(m_document, std::clamp(sizeFactor, 0.1, 10.0));
+    } catch (...) {
+        // Out of memory: nothing is read.
+    }
+}
+
+RtfAppender::~RtfAppender()
+{
+    Finish();
+}
+
+void RtfAppender::Read(QByteArrayView rtf)
+{
+    if (!m_parser)
+        return;
+    try {
+        m_parser->Run(rtf);
+    } catch (...) {
+        m_parser.reset(); // out of memory: the document keeps what was read
+    }
+}
+
+bool RtfAppender::AtRest() const
+{
+    return m_parser && m_parser->AtRest();
+}
+
+void RtfAppender::Finish()
+{
+    if (m_finished)
+        return;
+    m_finished = true;
+    if (m_parser) {
+        try {
+            m_parser->Finish();
+        } catch (...) {
+        }
+        m_parser.reset();
+    }
+    QTextCursor(&m_document).endEditBlock();
+    m_document.setUndoRedoEnabled(m_undo);
+}
 
 void ReadRtf(const QByteArray& rtf, QTextDocument& document, double sizeFactor)
 {
     const bool undo = document.isUndoRedoEnabled();
     document.setUndoRedoEnabled(false);
     document.clear();
-    QTextCursor editing(&document);
-    editing.beginEditBlock();
-    try {
-        RtfParser(rtf, document, std::clamp(sizeFactor, 0.1, 10.0)).Run();
-    } catch (...) {
-        // Out of memory: the document keeps what was read.
+    {
+        RtfAppender reading(document, sizeFactor);
+        reading.Read(rtf);
     }
-    editing.endEditBlock();
     document.setUndoRedoEnabled(undo);
     document.setModified(false);
 }

@@ -1,9 +1,16 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 
+#include <memory>
+
 class QTextDocument;
+
+namespace rtf {
+class Parser;
+}
 
 // A reader for the small rich-text (RTF) documents the program writes and shows: the day
 // logs, the help text and the yearly table.
@@ -41,6 +48,37 @@ class QTextDocument;
 // `sizeFactor` multiplies every font size, for a view that shows a document larger than
 // it was written (kept between 0.1 and 10).
 void ReadRtf(const QByteArray& rtf, QTextDocument& document, double sizeFactor = 1.0);
+
+// A reading that adds to the end of a document and takes its source in pieces, for a
+// writer that puts most of a document in place itself and hands the reader only the parts
+// it does not build. The pieces are read as ReadRtf reads the whole: each goes on where the
+// last one stopped (a piece must not end inside a control word; cut after a line end), and
+// the first goes on in the paragraph the document ends in. Reading stops for good at the
+// brace that closes the outermost group. Finish (or the destructor) puts in the text still
+// held, gives the last paragraph the properties in force and sets the default tab distance.
+// The whole reading is one edit block of the document, without undo history.
+class RtfAppender
+{
+public:
+    explicit RtfAppender(QTextDocument& document, double sizeFactor = 1.0);
+    ~RtfAppender();
+    RtfAppender(const RtfAppender&) = delete;
+    RtfAppender& operator=(const RtfAppender&) = delete;
+
+    void Read(QByteArrayView rtf);
+    // Whether what was read reaches no further than itself: only the outermost group is
+    // open, in its text, with no binary data or \u fallback characters still to skip, \uc
+    // at its default and a paragraph with text open. A line that then starts with
+    // "\par\pard\plain" reads the same as it would right after the document's head.
+    bool AtRest() const;
+    void Finish();
+
+private:
+    QTextDocument& m_document;
+    bool m_undo;
+    bool m_finished = false;
+    std::unique_ptr<rtf::Parser> m_parser;
+};
 
 // The largest file LoadRtfFile reads.
 inline constexpr qint64 kMaxRtfFileSize = 16 * 1024 * 1024;

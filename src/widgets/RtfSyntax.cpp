@@ -355,8 +355,31 @@ QString DecodeBytes(const QByteArray& bytes)
     return text;
 }
 
+namespace {
+
+// Whether a character is kept as it is: a tab, printable ASCII, or a character from U+00A0 on
+// that is none of the document's own, no surrogate and no paragraph separator.
+bool KeptAsIs(char16_t c)
+{
+    if (c < 0x7F)
+        return c >= 0x20 || c == u'\t';
+    return c >= 0xA0 && !QChar::isSurrogate(c) && c != 0xFDD0 && c != 0xFDD1 && c != 0xFFFC && c < 0xFFFE &&
+           c != QChar::ParagraphSeparator;
+}
+
+} // namespace
+
+bool IsSanitized(QStringView text)
+{
+    return std::all_of(text.cbegin(), text.cend(), [](QChar c) { return KeptAsIs(c.unicode()); });
+}
+
 QString Sanitized(const QString& text)
 {
+    // Most text has nothing to change: it is kept, shared, without a copy. A surrogate pair
+    // is looked at by the full pass below.
+    if (IsSanitized(text))
+        return text;
     QString out;
     out.reserve(text.size());
     const qsizetype n = text.size();

@@ -139,6 +139,8 @@ QString DecodeBytes(const QByteArray& bytes);
 // uses for its frames and objects and unpaired surrogates become U+FFFD, and a paragraph
 // separator becomes a line separator, so that only the reader makes paragraphs.
 QString Sanitized(const QString& text);
+// Whether Sanitized keeps a text as it is (it then holds no surrogate either).
+bool IsSanitized(QStringView text);
 
 // The value of a hexadecimal digit, or -1.
 int HexValue(char c);

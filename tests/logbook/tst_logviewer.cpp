@@ -1,7 +1,9 @@
+#include "DocumentDiff.h"
 #include "Owners.h"
 #include "logbook/LogPanel.h"
 #include "widgets/MessageBox.h"
 #include "widgets/MonthCalendar.h"
+#include "widgets/RtfReader.h"
 
 #include <QCheckBox>
 #include <QLabel>
@@ -91,6 +93,35 @@ private slots:
         QCOMPARE(
             TestEnvironment::ReadFile(QDir(v.desk.env.WorkFolder()).filePath(QStringLiteral("LogBook.rtf"))),
             Fixture("LogBook-20261116.rtf"));
+    }
+
+    void viewShowsTheDayAsTheWrittenDocumentReadsBack()
+    {
+        Viewer v;
+        // The prepared day (with braces and a backslash in an entry), and lines of every sort
+        // after it: odd characters, an empty note, rich-text syntax that reaches over lines, a
+        // long line.
+        QByteArray log = Fixture("20261116.log");
+        log += Owners::Line("09:00", "NT", 0,
+                            "Caf\xc3\xa9 \xe6\x97\xa5\xe6\x9c\xac: ", "\xf0\x9f\x98\x80\ttab", " (09:00)");
+        log += Owners::Line("09:01", "NT", 0, "", "", "");
+        log += Owners::Line("09:02", "NT", 1, "{\\b open ", "\\i x", "\\par y");
+        log += Owners::Line("09:03", "EA", 1, "Alarm Expired for ", "Crew 8", "");
+        log += Owners::Line("09:04", "NT", 0, "close} ", "\\uc2 z", "");
+        log += Owners::Line("09:05", "EX", 0, "Exit program", "", "");
+        log += Owners::Line("09:06", "NT", 0, "Long: ", QByteArray("word ").repeated(3000).constData(), "");
+        TestEnvironment::WriteFile(v.desk.LogPath(Owners::Monday), log);
+        v.Bar()->setValue(-1);
+
+        auto* text = v.desk.Find<QTextEdit>(QStringLiteral("txtLog"));
+        QTextDocument read;
+        read.setDefaultFont(text->document()->defaultFont());
+        QString error;
+        QVERIFY(LoadRtfFile(QDir(v.desk.env.WorkFolder()).filePath(QStringLiteral("LogBook.rtf")), read,
+                            &error, LogPanel::DisplayFactor));
+        QVERIFY(read.toPlainText().contains(QStringLiteral("09:05--Exit program")));
+        const QString difference = documentdiff::Difference(read, *text->document());
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
     }
 
     void dayWithoutAFileIsNotAvailableAndCannotBePrinted()

@@ -1,3 +1,4 @@
+#include "DocumentDiff.h"
 #include "widgets/RtfReader.h"
 
 #include <QElapsedTimer>
@@ -524,6 +525,71 @@ private slots:
         QCOMPARE(ReadQuickly(QByteArrayLiteral("{\\rtf1 abc\\'e")), QStringLiteral("abc"));
         QCOMPARE(ReadQuickly(QByteArrayLiteral("{\\rtf1 abc\\'zz")), QStringLiteral("abczz"));
         QCOMPARE(ReadQuickly(QByteArrayLiteral("{\\rtf1 abc\\u")), QStringLiteral("abc"));
+    }
+
+    void readingInPiecesCutAtLineEndsReadsAsTheWhole_data()
+    {
+        QTest::addColumn<QByteArray>("rtf");
+        QTest::newRow("log document") << LogDocument();
+        QTest::newRow("binary data over lines")
+            << QByteArrayLiteral("{\\rtf1 a\\bin12 xx\r\nyyyyyyy\r\n\\b z\r\n\\par w}");
+        QTest::newRow("fallback characters over lines")
+            << QByteArrayLiteral("{\\rtf1\\uc3 a\\u8364\r\nbcd\r\ne\\par f}");
+        QTest::newRow("groups over lines") << QByteArrayLiteral(
+            "{\\rtf1{\\fonttbl{\\f0 Zero;}\r\n{\\f1 One;}}\r\n{\\b\\f1 a\r\n\\par b}\\qc c\r\n"
+            "\\par\\pard d\\par}\r\nnot read\r\n");
+        QTest::newRow("unfinished") << QByteArrayLiteral("{\\rtf1 a{\\i b\r\n{\\*\\x c\r\nd");
+    }
+
+    void readingInPiecesCutAtLineEndsReadsAsTheWhole()
+    {
+        QFETCH(QByteArray, rtf);
+        QTextDocument whole;
+        ReadRtf(rtf, whole, 2.0);
+        QTextDocument pieces;
+        {
+            RtfAppender reading(pieces, 2.0);
+            qsizetype from = 0;
+            while (from < rtf.size()) {
+                const qsizetype end = rtf.indexOf('\n', from);
+                const qsizetype to = end < 0 ? rtf.size() : end + 1;
+                reading.Read(QByteArrayView(rtf).sliced(from, to - from));
+                from = to;
+            }
+        }
+        const QString difference = documentdiff::Difference(whole, pieces);
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    }
+
+    void readingGoesOnInTheDocumentsLastParagraph()
+    {
+        QTextDocument document;
+        ReadRtf(QByteArrayLiteral("{\\rtf1 one\\par two}"), document);
+        {
+            RtfAppender reading(document);
+            reading.Read("{\\rtf1\\b  more\\par three}");
+        }
+        QCOMPARE(document.toPlainText(), QStringLiteral("one\ntwo more\nthree"));
+        QVERIFY(FormatOf(document, QStringLiteral("more")).fontWeight() == QFont::Bold);
+        QVERIFY(FormatOf(document, QStringLiteral("two")).fontWeight() != QFont::Bold);
+    }
+
+    void readingIsAtRestOnlyInPlainTextOfTheOutermostGroup()
+    {
+        const auto atRest = [](const QByteArray& rtf) {
+            QTextDocument document;
+            RtfAppender reading(document);
+            reading.Read(rtf);
+            return reading.AtRest();
+        };
+        QVERIFY(atRest("{\\rtf1\\par x\\b y\r\n"));
+        QVERIFY(!atRest("{\\rtf1\\par x{\\b y\r\n"));             // a group still open
+        QVERIFY(!atRest("{\\rtf1\\par x}\r\n"));                  // the document has ended
+        QVERIFY(!atRest("{\\rtf1\\par x\\par\r\n"));              // a paragraph not yet begun
+        QVERIFY(!atRest("{\\rtf1\\par x\\uc2 y\r\n"));            // fallback count changed
+        QVERIFY(!atRest("{\\rtf1\\par x\\u8364\r\n"));            // a fallback character to skip
+        QVERIFY(!atRest("{\\rtf1\\par x\\bin9 y\r\n"));           // binary data runs on
+        QVERIFY(!atRest("{\\rtf1\\par x{\\*\\k y}}{\\*\\k\r\n")); // in a skipped destination
     }
 
     void everyCutOfTheLogDocumentShowsAPrefixOfItsText()

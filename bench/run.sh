@@ -45,16 +45,15 @@ check_no_sys_time() {
     fi
 }
 
-# CPU ticks (utime + stime, all threads) of a process.
-cpu_ticks() { awk '{ sub(/^.*\) /, ""); print $12 + $13 }' "/proc/$1/stat"; }
-# Nanoseconds on the CPU, summed over the process's current threads (finer than ticks).
+# Nanoseconds on the CPU, summed over the process's current threads.
 cpu_ns() { { cat /proc/"$1"/task/*/schedstat 2>/dev/null || true; } | awk '{ s += $1 } END { printf "%d", s }'; }
 status_kb() { awk -v key="$2:" '$1 == key { print $2 }' "/proc/$1/status"; }
-# Wake-ups of a process: the times its threads were switched out, summed over the threads. A
-# thread that wakes, works and sleeps again is switched out once.
+# Wake-ups of a process: the times its threads went to sleep of their own accord (voluntary
+# context switches), summed over the threads. A thread that wakes, works and sleeps again
+# counts once; being pre-empted by another process on a busy machine does not count.
 wakeups() {
     { cat /proc/"$1"/task/*/status 2>/dev/null || true; } |
-        awk '$1 == "voluntary_ctxt_switches:" || $1 == "nonvoluntary_ctxt_switches:" { s += $2 } END { printf "%d", s }'
+        awk '$1 == "voluntary_ctxt_switches:" { s += $2 } END { printf "%d", s }'
 }
 
 # ---------------------------------------------------------------------------------------

@@ -84,7 +84,7 @@ frmMain::frmMain(const MainServices& services, QWidget* parent)
     m_tmrMain.setTimerType(Qt::PreciseTimer);
     connect(&m_tmrMain, &QTimer::timeout, this, [this] {
         tmrMain_Timer();
-        ArmTick();
+        KeepTickInPhase();
     });
 }
 

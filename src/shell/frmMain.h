@@ -68,6 +68,8 @@ public:
 
     // The half-second tick and the work of each minute.
     void tmrMain_Timer();
+    // After each tick: keeps the tick repeating at .000 and .500 of the wall clock.
+    void KeepTickInPhase();
     void CheckAlarms(int hour, int minute);
     void NewDay();
 

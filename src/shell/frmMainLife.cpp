@@ -194,8 +194,31 @@ int frmMain::MsecToNextHalfSecond(qint64 msecs)
 
 void frmMain::ArmTick()
 {
-    if (!m_stopped)
-        m_tmrMain.start(MsecToNextHalfSecond(m_clock.MSecsSinceEpoch()));
+    if (m_stopped)
+        return;
+    m_tmrMain.setSingleShot(true);
+    m_tmrMain.start(MsecToNextHalfSecond(m_clock.MSecsSinceEpoch()));
+}
+
+void frmMain::KeepTickInPhase()
+{
+    if (m_stopped)
+        return;
+    // Once in phase the tick repeats every 500 ms by itself (a precise timer keeps to its
+    // schedule on the steady clock), so a tick costs no re-arming. It is put back in phase
+    // when it falls more than a little after .000 or .500 of the wall clock, or at all before
+    // it: after a stall, or as the wall clock is slewed against the steady one. A tick just
+    // before the second would show the second that is ending.
+    constexpr int SlackMsec = 10;
+    const int late = 500 - MsecToNextHalfSecond(m_clock.MSecsSinceEpoch());
+    if (late > SlackMsec) {
+        ArmTick();
+        return;
+    }
+    if (m_tmrMain.isSingleShot()) {
+        m_tmrMain.setSingleShot(false);
+        m_tmrMain.start(500);
+    }
 }
 
 QDateTime frmMain::CorrectedMinute() const

@@ -96,44 +96,40 @@ QSize SecondsBox::sizeHint() const
 
 void SecondsBox::paintEvent(QPaintEvent*)
 {
-    const qreal ratio = devicePixelRatioF();
-    if (m_frame.isNull() || m_frame.devicePixelRatio() != ratio) {
-        m_frame = QPixmap(size() * ratio);
-        m_frame.setDevicePixelRatio(ratio);
-        m_frame.fill(palette().color(QPalette::Window));
-        QPainter framePainter(&m_frame);
-        const QStyleOptionFrame option = FrameOption(this);
-        style()->drawPrimitive(QStyle::PE_PanelLineEdit, &option, &framePainter, this);
-        m_textArea = style()
-                         ->subElementRect(QStyle::SE_LineEditContents, &option, this)
-                         .adjusted(HorizontalMargin, VerticalMargin, -HorizontalMargin, -VerticalMargin);
-    }
     QPainter painter(this);
-    painter.drawPixmap(0, 0, m_frame);
-    if (m_text.isEmpty())
-        return;
-    const QStaticText& laid = Laid(m_text);
-    const QSizeF textSize = laid.size();
-    const QPointF at(m_textArea.x() + (m_textArea.width() - textSize.width()) / 2.0,
-                     m_textArea.y() + (m_textArea.height() - QFontMetrics(font()).height() + 1) / 2);
-    painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::Text));
-    painter.setFont(font());
-    painter.drawStaticText(at, laid);
+    painter.drawPixmap(0, 0, Drawn(m_text));
 }
 
-const QStaticText& SecondsBox::Laid(const QString& text)
+const QPixmap& SecondsBox::Drawn(const QString& text)
 {
-    auto found = m_laid.find(text);
-    if (found == m_laid.end()) {
-        // Kept small even if the box is given other texts than the seconds.
-        if (m_laid.size() >= 128)
-            m_laid.clear();
-        QStaticText laid(text);
-        laid.setTextFormat(Qt::PlainText);
-        laid.prepare(QTransform(), font());
-        found = m_laid.insert(text, laid);
+    const qreal ratio = devicePixelRatioF();
+    auto found = m_drawn.find(text);
+    if (found != m_drawn.end() && found->devicePixelRatio() == ratio)
+        return *found;
+    // Kept small even if the box is given other texts than the seconds.
+    if (m_drawn.size() >= 128)
+        m_drawn.clear();
+    QPixmap pixmap(size() * ratio);
+    pixmap.setDevicePixelRatio(ratio);
+    pixmap.fill(palette().color(QPalette::Window));
+    QPainter painter(&pixmap);
+    const QStyleOptionFrame option = FrameOption(this);
+    style()->drawPrimitive(QStyle::PE_PanelLineEdit, &option, &painter, this);
+    if (!text.isEmpty()) {
+        // Placed as a centred line edit places its text.
+        const QRect area =
+            style()
+                ->subElementRect(QStyle::SE_LineEditContents, &option, this)
+                .adjusted(HorizontalMargin, VerticalMargin, -HorizontalMargin, -VerticalMargin);
+        const QFontMetrics metrics(font());
+        const int x = area.x() + (area.width() - metrics.horizontalAdvance(text)) / 2;
+        const int y = area.y() + (area.height() - metrics.height() + 1) / 2 + metrics.ascent();
+        painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::Text));
+        painter.setFont(font());
+        painter.drawText(x, y, text);
     }
-    return *found;
+    painter.end();
+    return *m_drawn.insert(text, pixmap);
 }
 
 void SecondsBox::changeEvent(QEvent* event)
@@ -155,12 +151,11 @@ void SecondsBox::changeEvent(QEvent* event)
 
 void SecondsBox::resizeEvent(QResizeEvent* event)
 {
-    m_frame = QPixmap();
+    m_drawn.clear();
     QWidget::resizeEvent(event);
 }
 
 void SecondsBox::DropCaches()
 {
-    m_frame = QPixmap();
-    m_laid.clear();
+    m_drawn.clear();
 }

@@ -2,14 +2,13 @@
 
 #include <QHash>
 #include <QPixmap>
-#include <QStaticText>
 #include <QWidget>
 
 // A display-only box that shows a short text, such as the two digits of the seconds, looking
-// like a read-only line edit. It is built for a text that changes every second all day: the
-// frame is drawn once into a pixmap, each text is laid out once and kept, and a change
-// repaints only this box. A line edit would shape the text anew and draw its frame through
-// the style at every change.
+// like a read-only line edit. It is built for a text that changes every second all day: each
+// text is drawn once, frame and all, into a pixmap that is kept, so a change costs one copy
+// of a small picture. A line edit would shape the text anew and draw its frame through the
+// style at every change.
 class SecondsBox final : public QWidget
 {
     Q_OBJECT
@@ -33,11 +32,10 @@ protected:
 
 private:
     void DropCaches();
-    const QStaticText& Laid(const QString& text);
+    const QPixmap& Drawn(const QString& text);
 
     QString m_text;
-    QPixmap m_frame;
-    QRect m_textArea;
-    // The texts shown so far, laid out for the current font (sixty at most for the seconds).
-    QHash<QString, QStaticText> m_laid;
+    // The box as drawn with each text shown so far (sixty at most for the seconds), for the
+    // current size, font, palette and style.
+    QHash<QString, QPixmap> m_drawn;
 };

@@ -921,6 +921,30 @@ private slots:
         auto* timer = desk.window->findChild<QTimer*>(QStringLiteral("tmrMain"));
         QVERIFY(timer && timer->isActive());
         QCOMPARE(timer->interval(), 250);
+        QVERIFY(timer->isSingleShot());
+        // Fired in phase: from now on it repeats by itself, without being armed again.
+        desk.clock.Set(Monday, QTime(10, 0, 17, 501));
+        desk.window->tmrMain_Timer();
+        desk.window->KeepTickInPhase();
+        QVERIFY(timer->isActive());
+        QVERIFY(!timer->isSingleShot());
+        QCOMPARE(timer->interval(), 500);
+        desk.clock.Set(Monday, QTime(10, 0, 18, 8));
+        desk.window->KeepTickInPhase();
+        QVERIFY(!timer->isSingleShot());
+        QCOMPARE(timer->interval(), 500);
+        // Fallen behind the wall clock (a stall, or the wall clock slewed): armed for the next
+        // half second, once.
+        desk.clock.Set(Monday, QTime(10, 0, 18, 640));
+        desk.window->KeepTickInPhase();
+        QVERIFY(timer->isSingleShot());
+        QCOMPARE(timer->interval(), 360);
+        // Just before the second (the wall clock ahead): armed for the second itself, or the
+        // box would show the second that is ending for half a second.
+        desk.clock.Set(Monday, QTime(10, 0, 18, 996));
+        desk.window->KeepTickInPhase();
+        QVERIFY(timer->isSingleShot());
+        QCOMPARE(timer->interval(), 4);
     }
 };
 

@@ -75,7 +75,9 @@ void SecondsBox::setText(const QString& text)
     if (text == m_text)
         return;
     m_text = text;
-    update();
+    // Painted at once rather than at the next pass of the event loop: the change comes from
+    // a timer, and the pass the repaint would wait for is one more round of the loop.
+    repaint();
     if (QAccessible::isActive()) {
         QAccessibleValueChangeEvent event(this, text);
         QAccessible::updateAccessibility(&event);

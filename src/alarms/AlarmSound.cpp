@@ -1,6 +1,7 @@
 #include "alarms/AlarmSound.h"
 
 #include "alarms/WavInfo.h"
+#include "clock/Timers.h"
 
 #include <QAudioDevice>
 #include <QAudioFormat>
@@ -10,7 +11,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QMediaDevices>
-#include <QTimer>
 #include <QtEndian>
 
 #include <algorithm>
@@ -116,11 +116,10 @@ std::optional<Sound> LoadSound(const QString& path, const WavInfo& info)
 class QtAlarmSound final : public AlarmSound
 {
 public:
-    explicit QtAlarmSound(QObject* parent) : AlarmSound(parent)
+    QtAlarmSound(Timers& timers, QObject* parent)
+        : AlarmSound(parent), m_end(timers.MakeOneShot(true)) // a coarse one may end a play 5 % early
     {
-        m_end.setSingleShot(true);
-        m_end.setTimerType(Qt::PreciseTimer); // a coarse one may end a play 5 % early
-        connect(&m_end, &QTimer::timeout, this, &QtAlarmSound::End);
+        connect(m_end.get(), &OneShotTimer::Timeout, this, &QtAlarmSound::End);
     }
 
     ~QtAlarmSound() override { ReleaseSink(); }
@@ -136,7 +135,7 @@ public:
         }
         // Where no device plays the sound nothing reports its end: the watchdog ends every
         // play at the latest after the sound's length and a margin.
-        m_end.start(int(std::min(info->DurationMs(), LongestPlayMs) + WatchdogMarginMs));
+        m_end->Start(std::min(info->DurationMs(), LongestPlayMs) + WatchdogMarginMs);
         const QAudioDevice device = QMediaDevices::defaultAudioOutput();
         if (device.isNull())
             return; // no audio device: the play goes on silently until the watchdog ends it
@@ -155,7 +154,7 @@ public:
 
     void Stop() override
     {
-        m_end.stop();
+        m_end->Stop();
         ReleaseSink();
         m_playing = false;
     }
@@ -188,14 +187,14 @@ private:
             const qint64 drainMs =
                 m_sink->format().durationForBytes(qint32(std::min<qint64>(held, 1 << 30))) / 1000 +
                 DrainMarginMs;
-            if (!m_end.isActive() || drainMs < m_end.remainingTime())
-                m_end.start(int(drainMs));
+            if (!m_end->IsActive() || drainMs < m_end->RemainingMsec())
+                m_end->Start(drainMs);
         }
     }
 
     // The play has ended: finish it from the event loop, so that Finished never reaches
     // the caller from within Play nor from within a signal of the sink.
-    void EndSoon() { m_end.start(0); }
+    void EndSoon() { m_end->Start(0); }
 
     void End()
     {
@@ -217,7 +216,7 @@ private:
         m_source = nullptr;
     }
 
-    QTimer m_end; // the watchdog, and the moment a play that has ended is finished
+    std::unique_ptr<OneShotTimer> m_end; // the watchdog, and the moment a play that has ended is finished
     QAudioSink* m_sink = nullptr;
     QBuffer* m_source = nullptr; // the sink's child
     QString m_loadedKey;
@@ -229,5 +228,11 @@ private:
 
 std::unique_ptr<AlarmSound> AlarmSound::Create(QObject* parent)
 {
-    return std::make_unique<QtAlarmSound>(parent);
+    QtTimers timers;
+    return Create(timers, parent);
+}
+
+std::unique_ptr<AlarmSound> AlarmSound::Create(Timers& timers, QObject* parent)
+{
+    return std::make_unique<QtAlarmSound>(timers, parent);
 }

@@ -5,6 +5,8 @@
 
 #include <memory>
 
+class Timers;
+
 // Plays one alarm sound file from start to end without blocking the user interface.
 //
 // Each alarm window has its own player. Play starts the file from its beginning (stopping a
@@ -16,8 +18,11 @@ class AlarmSound : public QObject
 {
     Q_OBJECT
 public:
-    // The player of this system (Qt Multimedia).
+    // The player of this system (Qt Multimedia), timed by the event loop's timers.
     static std::unique_ptr<AlarmSound> Create(QObject* parent = nullptr);
+    // The same player with its watchdog and its end made by `timers` (tests hand in timers
+    // they advance themselves).
+    static std::unique_ptr<AlarmSound> Create(Timers& timers, QObject* parent = nullptr);
 
     virtual void Play(const QString& path) = 0;
     virtual void Stop() = 0;

@@ -4,6 +4,7 @@
 
 #include <QHostInfo>
 #include <QRandomGenerator>
+#include <QTimer>
 #include <QUdpSocket>
 #include <QtEndian>
 
@@ -116,8 +117,20 @@ std::optional<SntpReply> ParseSntpReply(QByteArrayView packet, quint64 ourTransm
 
 SntpClient::SntpClient(const Clock& clock, QObject* parent) : TimeQuery(parent), m_clock(clock)
 {
-    m_timeout.setSingleShot(true);
-    connect(&m_timeout, &QTimer::timeout, this, [this] {
+    QtTimers timers;
+    MakeTimers(timers);
+}
+
+SntpClient::SntpClient(const Clock& clock, Timers& timers, QObject* parent)
+    : TimeQuery(parent), m_clock(clock)
+{
+    MakeTimers(timers);
+}
+
+void SntpClient::MakeTimers(Timers& timers)
+{
+    m_timeout = timers.MakeOneShot();
+    connect(m_timeout.get(), &OneShotTimer::Timeout, this, [this] {
         if (m_setAside) {
             Finish(*m_setAside);
             return;
@@ -128,8 +141,8 @@ SntpClient::SntpClient(const Clock& clock, QObject* parent) : TimeQuery(parent),
                                             "the time server's."))
                    : Failure(SntpResult::NoReply, QStringLiteral("The time server did not answer.")));
     });
-    m_resend.setSingleShot(true);
-    connect(&m_resend, &QTimer::timeout, this, &SntpClient::SendRequest);
+    m_resend = timers.MakeOneShot();
+    connect(m_resend.get(), &OneShotTimer::Timeout, this, &SntpClient::SendRequest);
 }
 
 SntpClient::~SntpClient()
@@ -147,7 +160,8 @@ SntpResult SntpClient::Start(const QString& site, int timeoutMsec)
     m_wrongSender = false;
     m_setAside.reset();
     m_sent.clear();
-    m_timeout.start(timeoutMsec);
+    m_packetsRead = 0;
+    m_timeout->Start(timeoutMsec);
     m_port = 123;
     // host:port, but not an IPv6 address's colons.
     if (const qsizetype colon = host.lastIndexOf(u':'); colon > 0 && host.count(u':') == 1) {
@@ -188,8 +202,8 @@ void SntpClient::Cancel()
         QHostInfo::abortHostLookup(m_lookup);
         m_lookup = -1;
     }
-    m_timeout.stop();
-    m_resend.stop();
+    m_timeout->Stop();
+    m_resend->Stop();
     if (m_socket) {
         m_socket->disconnect(this);
         m_socket->deleteLater();
@@ -222,7 +236,7 @@ void SntpClient::SendRequest()
         return;
     }
     // Sent again after 2, 4, 8 ... seconds while no answer comes.
-    m_resend.start(m_firstResendMsec << qMin(int(m_sent.size()) - 1, 5));
+    m_resend->Start(qint64(m_firstResendMsec) << qMin(int(m_sent.size()) - 1, 5));
 }
 
 void SntpClient::ReadReplies()
@@ -235,6 +249,7 @@ void SntpClient::ReadReplies()
         const QDateTime receivedAt = m_clock.Now();
         if (got < 0)
             continue;
+        ++m_packetsRead;
         packet.truncate(int(got));
         // Only the server asked may answer; anything else is noted and set aside.
         if (port != m_port || !from.isEqual(m_address, QHostAddress::TolerantConversion)) {

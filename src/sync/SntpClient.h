@@ -1,13 +1,15 @@
 #pragma once
 
+#include "clock/Timers.h"
+
 #include <QByteArray>
 #include <QDateTime>
 #include <QHostAddress>
 #include <QList>
 #include <QObject>
 #include <QString>
-#include <QTimer>
 
+#include <memory>
 #include <optional>
 
 class Clock;
@@ -93,7 +95,10 @@ class SntpClient : public TimeQuery
 {
     Q_OBJECT
 public:
+    // Timed by the event loop's timers.
     explicit SntpClient(const Clock& clock, QObject* parent = nullptr);
+    // Its time-out and its resending timed by `timers` (tests hand in timers they advance).
+    SntpClient(const Clock& clock, Timers& timers, QObject* parent = nullptr);
     ~SntpClient() override;
 
     // `site` is a host name, or host:port (the port of time servers, 123, otherwise).
@@ -102,6 +107,8 @@ public:
     bool IsRunning() const { return m_running; }
     // The wait before the first request is sent again (tests shorten it).
     void SetResendAfter(int msec) { m_firstResendMsec = msec; }
+    // How many packets the running (or last) query has read, accepted or not.
+    int PacketsRead() const { return m_packetsRead; }
 
 private:
     struct Request
@@ -109,6 +116,7 @@ private:
         quint64 Transmit = 0;
         QDateTime SentAt;
     };
+    void MakeTimers(Timers& timers);
     void Send(const QHostAddress& address);
     void SendRequest();
     void ReadReplies();
@@ -116,8 +124,9 @@ private:
 
     const Clock& m_clock;
     QUdpSocket* m_socket = nullptr;
-    QTimer m_timeout;
-    QTimer m_resend;
+    std::unique_ptr<OneShotTimer> m_timeout;
+    std::unique_ptr<OneShotTimer> m_resend;
+    int m_packetsRead = 0;
     QHostAddress m_address;
     quint16 m_port = 123;
     QList<Request> m_sent;

@@ -1,5 +1,7 @@
+#include "ManualTimers.h"
 #include "alarms/AlarmSound.h"
 #include "alarms/WavInfo.h"
+#include "clock/Timers.h"
 
 #include <QAudioDevice>
 #include <QDir>
@@ -124,6 +126,54 @@ qint64 Duration(const QString& path)
 {
     return WavDurationMs(path).value_or(-1);
 }
+
+// The time the playing tests let pass. Without an audio device a play is timed by the
+// player's own timers alone: the players are given ManualTimers, which the test advances
+// itself, and nothing waits. With the computer's own device (TW_TEST_AUDIO=1) the sound plays
+// in real time on the event loop's timers, and the test waits for it.
+class PlayTime
+{
+public:
+    explicit PlayTime(bool manual) : m_manual(manual) { Restart(); }
+
+    std::unique_ptr<AlarmSound> Player()
+    {
+        return m_manual ? AlarmSound::Create(m_timers) : AlarmSound::Create();
+    }
+
+    void Restart()
+    {
+        m_start = m_timers.Now();
+        m_real.start();
+    }
+    qint64 Elapsed() const { return m_manual ? m_timers.Now() - m_start : m_real.elapsed(); }
+
+    void Pass(qint64 msec)
+    {
+        if (m_manual) {
+            QCoreApplication::processEvents();
+            m_timers.Advance(msec);
+        } else {
+            QTest::qWait(int(msec));
+        }
+    }
+
+    // Lets time pass, a millisecond at a time, until `spy` has seen `count` signals or
+    // `most` milliseconds have passed; whether it has.
+    bool PassUntil(const QSignalSpy& spy, int count, qint64 most)
+    {
+        const qint64 from = Elapsed();
+        while (spy.count() < count && Elapsed() - from < most)
+            Pass(m_manual ? 1 : 10);
+        return spy.count() >= count;
+    }
+
+private:
+    bool m_manual;
+    ManualTimers m_timers;
+    qint64 m_start = 0;
+    QElapsedTimer m_real;
+};
 
 } // namespace
 
@@ -320,95 +370,102 @@ private slots:
     }
 
     // --- Playing ------------------------------------------------------------------------
+    // Play returns at once whatever happens, so the moments it returns are measured on the
+    // computer's clock; the moments a play ends are measured on the players' timers (PlayTime).
 
     void missingFileFinishesPromptly()
     {
-        auto sound = AlarmSound::Create();
+        PlayTime time(m_silent);
+        auto sound = time.Player();
         QSignalSpy finished(sound.get(), &AlarmSound::Finished);
-        QElapsedTimer timer;
-        timer.start();
+        time.Restart();
         sound->Play(m_dir.filePath(QStringLiteral("no-such-sound.wav")));
         // Never from within Play: the caller sees Finished from the event loop.
         QCOMPARE(finished.count(), 0);
         QVERIFY(sound->IsPlaying());
-        QVERIFY(finished.wait(2000));
-        QVERIFY(timer.elapsed() < 300);
+        QVERIFY(time.PassUntil(finished, 1, 2000));
+        QVERIFY2(time.Elapsed() < 300, qPrintable(QString::number(time.Elapsed())));
         QVERIFY(!sound->IsPlaying());
-        QTest::qWait(300);
+        time.Pass(300);
         QCOMPARE(finished.count(), 1);
     }
 
     void fileThatIsNoSoundFinishesPromptly()
     {
-        auto sound = AlarmSound::Create();
+        PlayTime time(m_silent);
+        auto sound = time.Player();
         QSignalSpy finished(sound.get(), &AlarmSound::Finished);
         const QString text = WriteFile(m_dir, QStringLiteral("notes.wav"), "not a sound\n");
-        QElapsedTimer timer;
-        timer.start();
+        time.Restart();
         sound->Play(text);
-        QVERIFY(finished.wait(2000));
-        QVERIFY(timer.elapsed() < 300);
+        QCOMPARE(finished.count(), 0);
+        QVERIFY(time.PassUntil(finished, 1, 2000));
+        QVERIFY2(time.Elapsed() < 300, qPrintable(QString::number(time.Elapsed())));
         QCOMPARE(finished.count(), 1);
         // A folder is no sound either.
         sound->Play(m_dir.path());
-        QVERIFY(finished.wait(2000));
+        QVERIFY(time.PassUntil(finished, 2, 2000));
         QCOMPARE(finished.count(), 2);
     }
 
     void playFinishesAfterTheSoundsLengthWithinItsMargin()
     {
         const QString path = WriteTone(m_dir, QStringLiteral("short.wav"), 200);
-        auto sound = AlarmSound::Create();
+        PlayTime time(m_silent);
+        auto sound = time.Player();
         QSignalSpy finished(sound.get(), &AlarmSound::Finished);
-        QElapsedTimer timer;
-        timer.start();
+        QElapsedTimer call;
+        call.start();
+        time.Restart();
         sound->Play(path);
         // Play returns at once: it never waits for the sound, with or without a device.
-        QVERIFY2(timer.elapsed() < 150, qPrintable(QString::number(timer.elapsed())));
+        QVERIFY2(call.elapsed() < 150, qPrintable(QString::number(call.elapsed())));
         QCOMPARE(finished.count(), 0);
         QVERIFY(sound->IsPlaying());
-        QVERIFY(finished.wait(int(200 + WatchdogMarginMs + SlackMs)));
-        const qint64 elapsed = timer.elapsed();
+        QVERIFY(time.PassUntil(finished, 1, 200 + WatchdogMarginMs + SlackMs));
+        const qint64 elapsed = time.Elapsed();
         // The play lasted the sound (silently, where there is no device), and ended by
         // itself within the watchdog's time.
         QVERIFY2(elapsed >= 190, qPrintable(QString::number(elapsed)));
         QVERIFY2(elapsed <= 200 + WatchdogMarginMs + SlackMs, qPrintable(QString::number(elapsed)));
-        if (m_silent)
-            QVERIFY2(elapsed >= 200 + WatchdogMarginMs - 20, qPrintable(QString::number(elapsed)));
+        if (m_silent) // without a device only the watchdog ends it: the sound and the margin
+            QCOMPARE(elapsed, 200 + WatchdogMarginMs);
         QVERIFY(!sound->IsPlaying());
-        QTest::qWait(int(WatchdogMarginMs + 200));
+        time.Pass(WatchdogMarginMs + 200);
         QCOMPARE(finished.count(), 1);
     }
 
     void stopEndsThePlayWithoutFinished()
     {
         const QString path = WriteTone(m_dir, QStringLiteral("second.wav"), 1000);
-        auto sound = AlarmSound::Create();
+        PlayTime time(m_silent);
+        auto sound = time.Player();
         QSignalSpy finished(sound.get(), &AlarmSound::Finished);
         sound->Play(path);
-        QTest::qWait(100);
+        time.Pass(100);
         QVERIFY(sound->IsPlaying());
         sound->Stop();
         QVERIFY(!sound->IsPlaying());
         // Neither the sound's end nor the watchdog report a play that was stopped.
-        QVERIFY(!finished.wait(int(1000 + WatchdogMarginMs + 300)));
+        QVERIFY(!time.PassUntil(finished, 1, 1000 + WatchdogMarginMs + 300));
         QCOMPARE(finished.count(), 0);
         // Stopping twice, or with nothing playing, does nothing.
         sound->Stop();
         QVERIFY(!sound->IsPlaying());
         // And the player plays again after a Stop.
         sound->Play(WriteTone(m_dir, QStringLiteral("again.wav"), 100));
-        QVERIFY(finished.wait(int(100 + WatchdogMarginMs + SlackMs)));
+        QVERIFY(time.PassUntil(finished, 1, 100 + WatchdogMarginMs + SlackMs));
         QCOMPARE(finished.count(), 1);
     }
 
     void stopOfAFailedPlaySwallowsItsFinished()
     {
-        auto sound = AlarmSound::Create();
+        PlayTime time(m_silent);
+        auto sound = time.Player();
         QSignalSpy finished(sound.get(), &AlarmSound::Finished);
         sound->Play(m_dir.filePath(QStringLiteral("no-such-sound.wav")));
         sound->Stop(); // before the event loop could report the failure
-        QTest::qWait(300);
+        time.Pass(300);
         QCOMPARE(finished.count(), 0);
         QVERIFY(!sound->IsPlaying());
     }
@@ -416,36 +473,36 @@ private slots:
     void playWhilePlayingRestartsWithOneFinished()
     {
         const QString path = WriteTone(m_dir, QStringLiteral("restart.wav"), 1000);
-        auto sound = AlarmSound::Create();
+        PlayTime time(m_silent);
+        auto sound = time.Player();
         QSignalSpy finished(sound.get(), &AlarmSound::Finished);
         sound->Play(path);
-        QTest::qWait(600);
+        time.Pass(600);
         QCOMPARE(finished.count(), 0);
-        QElapsedTimer timer;
-        timer.start();
+        time.Restart();
         sound->Play(path);
         QVERIFY(sound->IsPlaying());
-        QVERIFY(finished.wait(int(1000 + WatchdogMarginMs + SlackMs)));
+        QVERIFY(time.PassUntil(finished, 1, 1000 + WatchdogMarginMs + SlackMs));
         // The first play would have ended (or its watchdog run out) at the latest 900 ms
         // after the second began; this Finished is the second play's, a whole sound later.
-        QVERIFY2(timer.elapsed() >= 950, qPrintable(QString::number(timer.elapsed())));
-        QTest::qWait(int(WatchdogMarginMs + 300));
+        QVERIFY2(time.Elapsed() >= 950, qPrintable(QString::number(time.Elapsed())));
+        time.Pass(WatchdogMarginMs + 300);
         QCOMPARE(finished.count(), 1);
     }
 
     void newPlayAfterAFailureGetsNoStaleFinished()
     {
-        auto sound = AlarmSound::Create();
+        PlayTime time(m_silent);
+        auto sound = time.Player();
         QSignalSpy finished(sound.get(), &AlarmSound::Finished);
         sound->Play(m_dir.filePath(QStringLiteral("no-such-sound.wav")));
         // Replaced before the failure was reported: only the new play's end counts.
         const QString path = WriteTone(m_dir, QStringLiteral("after-failure.wav"), 400);
-        QElapsedTimer timer;
-        timer.start();
+        time.Restart();
         sound->Play(path);
-        QVERIFY(finished.wait(int(400 + WatchdogMarginMs + SlackMs)));
-        QVERIFY2(timer.elapsed() >= 390, qPrintable(QString::number(timer.elapsed())));
-        QTest::qWait(300);
+        QVERIFY(time.PassUntil(finished, 1, 400 + WatchdogMarginMs + SlackMs));
+        QVERIFY2(time.Elapsed() >= 390, qPrintable(QString::number(time.Elapsed())));
+        time.Pass(300);
         QCOMPARE(finished.count(), 1);
     }
 
@@ -453,7 +510,8 @@ private slots:
     {
         // What an alarm window does: play again when a play has ended.
         const QString path = WriteTone(m_dir, QStringLiteral("repeat.wav"), 100);
-        auto sound = AlarmSound::Create();
+        PlayTime time(m_silent);
+        auto sound = time.Player();
         int plays = 1;
         QSignalSpy finished(sound.get(), &AlarmSound::Finished);
         connect(sound.get(), &AlarmSound::Finished, this, [&] {
@@ -462,9 +520,12 @@ private slots:
                 sound->Play(path);
             }
         });
+        time.Restart();
         sound->Play(path);
-        QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 3, int(3 * (100 + WatchdogMarginMs) + SlackMs));
-        QTest::qWait(int(100 + WatchdogMarginMs + 200));
+        QVERIFY(time.PassUntil(finished, 3, 3 * (100 + WatchdogMarginMs) + SlackMs));
+        if (m_silent) // three whole plays, each ended by the watchdog
+            QCOMPARE(time.Elapsed(), 3 * (100 + WatchdogMarginMs));
+        time.Pass(100 + WatchdogMarginMs + 200);
         QCOMPARE(finished.count(), 3);
         QCOMPARE(plays, 3);
         QVERIFY(!sound->IsPlaying());
@@ -473,19 +534,22 @@ private slots:
     void playerMayBeDeletedWhileOrWhenPlaying()
     {
         const QString path = WriteTone(m_dir, QStringLiteral("delete.wav"), 300);
+        PlayTime time(m_silent);
         {
-            auto sound = AlarmSound::Create();
+            auto sound = time.Player();
             sound->Play(path);
-            QTest::qWait(50);
+            time.Pass(50);
         } // destroyed while playing
-        QTest::qWait(100);
+        time.Pass(100);
 
         // Deleted from within its own Finished.
-        auto* sound = AlarmSound::Create().release();
+        auto* sound = time.Player().release();
         QPointer<AlarmSound> watch(sound);
+        QSignalSpy finished(sound, &AlarmSound::Finished);
         connect(sound, &AlarmSound::Finished, this, [sound] { delete sound; });
         sound->Play(path);
-        QTRY_VERIFY_WITH_TIMEOUT(watch.isNull(), int(300 + WatchdogMarginMs + SlackMs));
+        QVERIFY(time.PassUntil(finished, 1, 300 + WatchdogMarginMs + SlackMs));
+        QVERIFY(watch.isNull());
     }
 
     void hostileFileNeverBlocksAndStops()
@@ -497,13 +561,14 @@ private slots:
         parts.samples = QByteArray(4096, char(0x80));
         parts.claimedDataBytes = 3600;
         const QString path = WriteFile(m_dir, QStringLiteral("hostile.wav"), WavBytes(parts));
-        auto sound = AlarmSound::Create();
+        PlayTime time(m_silent);
+        auto sound = time.Player();
         QSignalSpy finished(sound.get(), &AlarmSound::Finished);
-        QElapsedTimer timer;
-        timer.start();
+        QElapsedTimer call;
+        call.start();
         sound->Play(path);
-        QVERIFY(timer.elapsed() < 150);
-        QTest::qWait(200);
+        QVERIFY(call.elapsed() < 150);
+        time.Pass(200);
         // Either it could not be played and finished, or it plays on until Stop.
         QVERIFY(finished.count() == 1 || sound->IsPlaying());
         sound->Stop();
@@ -517,8 +582,8 @@ private slots:
         absurd.samples = QByteArray(1000, '\x7F');
         sound->Play(WriteFile(m_dir, QStringLiteral("absurd.wav"), WavBytes(absurd)));
         finished.clear();
-        QVERIFY(finished.wait(int(WatchdogMarginMs + SlackMs)));
-        QTest::qWait(200);
+        QVERIFY(time.PassUntil(finished, 1, WatchdogMarginMs + SlackMs));
+        time.Pass(200);
         QCOMPARE(finished.count(), 1);
     }
 };

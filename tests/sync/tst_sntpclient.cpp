@@ -1,4 +1,5 @@
 #include "ManualClock.h"
+#include "ManualTimers.h"
 #include "clock/Clock.h"
 #include "sync/SntpClient.h"
 
@@ -35,15 +36,22 @@ public:
                 m_client = from;
                 m_clientPort = port;
                 const QByteArray reply = m_answer(request);
-                if (!reply.isEmpty())
+                if (!reply.isEmpty()) {
                     (m_fromAnotherPort ? m_other : m_socket).writeDatagram(reply, from, port);
+                    ++Replies;
+                }
             }
         });
     }
     // Sends `packet` from the server's port to the client that asked last.
-    void AnswerNow(const QByteArray& packet) { m_socket.writeDatagram(packet, m_client, m_clientPort); }
+    void AnswerNow(const QByteArray& packet)
+    {
+        m_socket.writeDatagram(packet, m_client, m_clientPort);
+        ++Replies;
+    }
     QString Site() const { return QStringLiteral("127.0.0.1:") + QString::number(m_socket.localPort()); }
     int Requests = 0;
+    int Replies = 0; // packets sent to the client
     QByteArray LastRequest;
 
 private:
@@ -70,12 +78,26 @@ QByteArray Reply(const QByteArray& request, qint64 aheadMs, int leap = 0, int ve
     return reply;
 }
 
-SntpResult Ask(FakeServer& server, ManualClock& clock, int timeoutMsec = 3000)
+// One query of `server`, with the client's timers in the test's hands. The request and the
+// answers travel through the loopback on the event loop; once the client has read every
+// answer without ending the query, the query's time runs out (`timedOut` tells whether it
+// had to) without anyone waiting for it.
+SntpResult Ask(FakeServer& server, ManualClock& clock, int timeoutMsec = 3000, bool* timedOut = nullptr)
 {
-    SntpClient client(clock);
+    ManualTimers timers;
+    SntpClient client(clock, timers);
     QSignalSpy done(&client, &SntpClient::Done);
     client.Start(server.Site(), timeoutMsec);
-    if (!done.wait(timeoutMsec + 2000))
+    const bool answered = QTest::qWaitFor(
+        [&] { return !done.isEmpty() || (server.Requests >= 1 && client.PacketsRead() >= server.Replies); },
+        5000);
+    if (!answered)
+        return {};
+    if (timedOut)
+        *timedOut = done.isEmpty();
+    if (done.isEmpty())
+        timers.Advance(timeoutMsec);
+    if (done.size() != 1)
         return {};
     return done.at(0).at(0).value<SntpResult>();
 }
@@ -190,7 +212,9 @@ private slots:
         });
         // A packet that cannot be shown to answer our request (wrong originate, too short) is
         // set aside until the query's time is up; the others end it at once.
-        const SntpResult result = Ask(server, clock, kind == 3 || kind == 5 ? 800 : 3000);
+        bool timedOut = false;
+        const SntpResult result = Ask(server, clock, 3000, &timedOut);
+        QCOMPARE(timedOut, kind == 3 || kind == 5);
         QCOMPARE(result.ErrorCode, code);
         QCOMPARE(result.Error, text);
         QVERIFY(!result.ServerTime.isValid());
@@ -201,14 +225,15 @@ private slots:
         // A stray answer with the wrong originate comes first; the server's own follows.
         ManualClock clock(Local);
         FakeServer server([](const QByteArray&) { return QByteArray(); });
-        SntpClient client(clock);
+        ManualTimers timers;
+        SntpClient client(clock, timers);
         QSignalSpy done(&client, &SntpClient::Done);
         QCOMPARE(client.Start(server.Site(), 3000).ErrorCode, int(SntpResult::Ok));
         QTRY_COMPARE(server.Requests, 1);
         QByteArray forged = Reply(server.LastRequest, -3600000);
         forged[24] = char(forged[24] ^ 0x55);
         server.AnswerNow(forged);
-        QTest::qWait(100);
+        QTRY_COMPARE(client.PacketsRead(), 1);
         QCOMPARE(done.size(), 0);
         server.AnswerNow(Reply(server.LastRequest, 90000));
         QVERIFY(done.wait(5000));
@@ -230,10 +255,16 @@ private slots:
             }
             return Reply(request, 42000);
         });
-        SntpClient client(clock);
+        ManualTimers timers;
+        SntpClient client(clock, timers);
         client.SetResendAfter(100);
         QSignalSpy done(&client, &SntpClient::Done);
         QCOMPARE(client.Start(server.Site(), 3000).ErrorCode, int(SntpResult::Ok));
+        QTRY_COMPARE(server.Requests, 1);
+        timers.Advance(99);
+        QTest::qWait(20);
+        QCOMPARE(server.Requests, 1); // not sent again before its time
+        timers.Advance(1);
         QVERIFY(done.wait(5000));
         const SntpResult result = done.at(0).at(0).value<SntpResult>();
         QVERIFY2(result.ErrorCode == SntpResult::Ok, qPrintable(result.Error));
@@ -252,10 +283,13 @@ private slots:
                 first = request;
             return QByteArray();
         });
-        SntpClient client(clock);
+        ManualTimers timers;
+        SntpClient client(clock, timers);
         client.SetResendAfter(50);
         QSignalSpy done(&client, &SntpClient::Done);
         QCOMPARE(client.Start(server.Site(), 3000).ErrorCode, int(SntpResult::Ok));
+        QTRY_COMPARE(server.Requests, 1);
+        timers.Advance(50);
         QTRY_COMPARE(server.Requests, 2);
         QVERIFY(!first.isEmpty());
         server.AnswerNow(Reply(first, 30000));
@@ -282,7 +316,9 @@ private slots:
     {
         ManualClock clock(Local);
         FakeServer server([](const QByteArray& request) { return Reply(request, 60000); }, true);
-        const SntpResult result = Ask(server, clock, 800);
+        bool timedOut = false;
+        const SntpResult result = Ask(server, clock, 800, &timedOut);
+        QVERIFY(timedOut);
         QCOMPARE(result.ErrorCode, int(SntpResult::WrongSender));
         QCOMPARE(result.Error,
                  QStringLiteral("The only answer came from another address or port than the time server's."));
@@ -292,7 +328,9 @@ private slots:
     {
         ManualClock clock(Local);
         FakeServer server([](const QByteArray&) { return QByteArray(); });
-        const SntpResult result = Ask(server, clock, 500);
+        bool timedOut = false;
+        const SntpResult result = Ask(server, clock, 500, &timedOut);
+        QVERIFY(timedOut);
         QCOMPARE(result.ErrorCode, int(SntpResult::NoReply));
         QCOMPARE(result.Error, QStringLiteral("The time server did not answer."));
         QCOMPARE(server.Requests, 1);
@@ -315,13 +353,17 @@ private slots:
     {
         ManualClock clock(Local);
         FakeServer server([](const QByteArray& request) { return Reply(request, 60000); });
-        SntpClient client(clock);
+        ManualTimers timers;
+        SntpClient client(clock, timers);
         QSignalSpy done(&client, &SntpClient::Done);
         client.Start(server.Site(), 2000);
         client.Cancel();
         QVERIFY(!client.IsRunning());
-        QTest::qWait(300);
+        QTest::qWait(100);     // nothing is sent from the event loop...
+        timers.Advance(10000); // ...and neither the time-out nor a resend comes
+        QCOMPARE(timers.Running(), 0);
         QCOMPARE(done.size(), 0);
+        QCOMPARE(server.Requests, 0);
     }
 };
 

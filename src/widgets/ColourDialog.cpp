@@ -28,6 +28,8 @@ std::optional<ColourValue> ColourDialog::GetColour(QWidget* parent, ColourValue 
     if (ColourTest().On())
         return ColourTest().Take().value_or(std::nullopt);
     QColorDialog dialog(ToQColor(start), parent);
+    // Qt's own dialog: a desktop's native one may need an event loop the program does not run.
+    dialog.setOption(QColorDialog::DontUseNativeDialog);
     if (ExecWindowModal(dialog) != QDialog::Accepted)
         return std::nullopt;
     const QColor chosen = dialog.selectedColor();
@@ -54,6 +56,7 @@ std::optional<QFont> FontDialog::GetFont(QWidget* parent, const QFont& start)
     if (FontTest().On())
         return FontTest().Take().value_or(std::nullopt);
     QFontDialog dialog(start, parent);
+    dialog.setOption(QFontDialog::DontUseNativeDialog);
     if (ExecWindowModal(dialog) != QDialog::Accepted)
         return std::nullopt;
     return dialog.selectedFont();

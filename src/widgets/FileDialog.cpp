@@ -19,6 +19,8 @@ QString FileDialog::GetOpenFileName(QWidget* parent, const QString& title, const
     if (Test().On())
         return Test().Take().value_or(QString());
     QFileDialog dialog(parent, title, start, filter);
+    // Qt's own dialog: a desktop's native one may need an event loop the program does not run.
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     if (ExecWindowModal(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty())

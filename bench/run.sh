@@ -123,6 +123,33 @@ idle_inner() {
     } >>"$results"
 }
 
+# Waits for the next top-level window to be mapped, reading the X server's notices from fd 3
+# as they come (no polling, which would compete with the program for the CPU). Sets
+# `mapped_at` ($EPOCHREALTIME of the notice) and `mapped_name` (the window's title, quoted as
+# xwininfo prints it). Gives up when process PID ends or LIMIT seconds have passed since T0.
+next_mapped() { # PID T0 LIMIT WHAT
+    local line="" id="" rc
+    while :; do
+        rc=0
+        read -r -t 0.2 line <&3 || rc=$?
+        if ((rc > 128)); then # no notice yet
+            kill -0 "$1" 2>/dev/null || die "$4 ended before its window appeared"
+            le "$(calc 3 "$EPOCHREALTIME - $2")" "$3" || die "no window of $4 after $3 s"
+            continue
+        fi
+        ((rc == 0)) || die "the X event listener (xev) ended unexpectedly"
+        [[ $line == MapNotify* ]] || continue
+        mapped_at=$EPOCHREALTIME
+        read -r -t 2 line <&3 || die "unexpected output from xev after a MapNotify"
+        id=$(sed -n 's/.* window \(0x[0-9a-fA-F]*\), override.*/\1/p' <<<"$line")
+        [[ -n $id ]] || continue
+        mapped_name=$(xwininfo -id "$id" 2>/dev/null) || continue
+        mapped_name=${mapped_name#*Window id: "$id" }
+        mapped_name=${mapped_name%%$'\n'*}
+        return 0
+    done
+}
+
 # ---------------------------------------------------------------------------------------
 # Inner part: runs inside xvfb-run (DISPLAY is set), launches the program, measures it and
 # writes "key=value" lines to the results file.
@@ -179,39 +206,15 @@ inner() {
             "$base/app/tarrowind" >"$base/stdout.txt" 2>"$base/stderr.txt" &
         pid=$!
 
-        # Wait for the main window to be mapped. The X server's map notices are read as
-        # they come (no polling, which would compete with the program for the CPU).
-        local shown="" line="" id="" name="" splash_s="" rc=0
-        while :; do
-            rc=0
-            read -r -t 0.2 line <&3 || rc=$?
-            if ((rc > 128)); then # no notice yet
-                if ! kill -0 "$pid" 2>/dev/null; then
-                    sed 's/^/  | /' "$base/stderr.txt" >&2
-                    die "the program ended before its main window appeared (run $run)"
-                fi
-                le "$(calc 3 "$EPOCHREALTIME - $t0")" "$start_timeout" ||
-                    die "no window titled ${TITLE_PREFIX#\"}... after ${start_timeout} s (run $run)"
-                continue
-            fi
-            ((rc == 0)) || die "the X event listener (xev) ended unexpectedly"
-            [[ $line == MapNotify* ]] || continue
-            t1=$EPOCHREALTIME
-            read -r -t 2 line <&3 || die "unexpected output from xev after a MapNotify"
-            id=$(sed -n 's/.* window \(0x[0-9a-fA-F]*\), override.*/\1/p' <<<"$line")
-            [[ -n $id ]] || continue
-            name=$(xwininfo -id "$id" 2>/dev/null) || continue
-            name=${name#*Window id: "$id" }
-            name=${name%%$'\n'*}
-            if [[ $name == "$TITLE_PREFIX"* ]]; then
-                shown=1
-                break
-            fi
-            if [[ -z $splash_s && $name == "$SPLASH_TITLE" ]]; then
-                splash_s=$(calc 3 "$t1 - $t0")
+        # Wait for the main window to be mapped, noting when the splash is.
+        local splash_s=""
+        while next_mapped "$pid" "$t0" "$start_timeout" "the program (run $run)"; do
+            [[ $mapped_name == "$TITLE_PREFIX"* ]] && break
+            if [[ -z $splash_s && $mapped_name == "$SPLASH_TITLE" ]]; then
+                splash_s=$(calc 3 "$mapped_at - $t0")
             fi
         done
-        [[ -n $shown ]] || die "internal error: window not seen"
+        t1=$mapped_at
         local start_s
         start_s=$(calc 3 "$t1 - $t0")
         echo "start_s_$run=$start_s" >>"$results"
@@ -250,30 +253,14 @@ inner() {
 
     # The peer: xclock, from its launch to its window being mapped, the same number of times.
     for ((run = 1; run <= starts; run++)); do
-        local p0 p1="" line="" id="" name="" rc=0
+        local p0
         p0=$EPOCHREALTIME
         xclock -update 1 >/dev/null 2>&1 &
         pid=$!
-        while :; do
-            rc=0
-            read -r -t 0.2 line <&3 || rc=$?
-            if ((rc > 128)); then
-                kill -0 "$pid" 2>/dev/null || die "xclock ended before its window appeared"
-                le "$(calc 3 "$EPOCHREALTIME - $p0")" "$start_timeout" ||
-                    die "no xclock window after ${start_timeout} s (run $run)"
-                continue
-            fi
-            ((rc == 0)) || die "the X event listener (xev) ended unexpectedly"
-            [[ $line == MapNotify* ]] || continue
-            p1=$EPOCHREALTIME
-            read -r -t 2 line <&3 || die "unexpected output from xev after a MapNotify"
-            id=$(sed -n 's/.* window \(0x[0-9a-fA-F]*\), override.*/\1/p' <<<"$line")
-            [[ -n $id ]] || continue
-            name=$(xwininfo -id "$id" 2>/dev/null) || continue
-            name=${name#*Window id: "$id" }
-            name=${name%%$'\n'*}
-            [[ $name == '"xclock"'* ]] && break
+        while next_mapped "$pid" "$p0" "$start_timeout" "xclock (run $run)"; do
+            [[ $mapped_name == '"xclock"'* ]] && break
         done
+        local p1=$mapped_at
         echo "peer_start_s_$run=$(calc 3 "$p1 - $p0")" >>"$results"
         kill -TERM "$pid" 2>/dev/null || true
         wait "$pid" 2>/dev/null || true

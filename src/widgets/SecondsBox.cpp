@@ -141,7 +141,7 @@ void SecondsBox::changeEvent(QEvent* event)
     case QEvent::PaletteChange:
     case QEvent::StyleChange:
     case QEvent::EnabledChange:
-        DropCaches();
+        m_drawn.clear();
         updateGeometry();
         update();
         break;
@@ -155,9 +155,4 @@ void SecondsBox::resizeEvent(QResizeEvent* event)
 {
     m_drawn.clear();
     QWidget::resizeEvent(event);
-}
-
-void SecondsBox::DropCaches()
-{
-    m_drawn.clear();
 }

@@ -31,7 +31,6 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    void DropCaches();
     const QPixmap& Drawn(const QString& text);
 
     QString m_text;

@@ -10,5 +10,6 @@ PlatformServices NullPlatformServices()
     services.startAtLogin = std::make_unique<NullStartAtLogin>();
     services.dialUp = std::make_unique<NullDialUpState>();
     services.notifier = std::make_unique<NullDesktopNotifier>();
+    services.pictureLayers = std::make_unique<NullPictureLayers>();
     return services;
 }

@@ -4,6 +4,7 @@
 #include "platform/ClockSetter.h"
 #include "platform/DesktopNotifier.h"
 #include "platform/DialUpState.h"
+#include "platform/PictureLayer.h"
 #include "platform/StartAtLogin.h"
 #include "platform/SuspendWatch.h"
 #include "platform/WindowFlash.h"
@@ -20,6 +21,7 @@ struct PlatformServices
     std::unique_ptr<StartAtLogin> startAtLogin;
     std::unique_ptr<DialUpState> dialUp;
     std::unique_ptr<DesktopNotifier> notifier;
+    std::unique_ptr<PictureLayers> pictureLayers;
 };
 
 // Settings of the connection to the display that must be made before the application object

@@ -29,14 +29,15 @@ void PrepareDisplay()
         qputenv("QT_NO_GLIB", "1");
 }
 
-// Every service as Linux gives it: the window flash through X11, the clock set through
-// clock_settime or timedated, its changes heard through a timerfd, sleep through logind,
-// a dial-up link found through NetworkManager, notices through the desktop's notification
-// service, and the start at login through an XDG autostart entry.
+// Every service as Linux gives it: the window flash and the seconds box's picture layer
+// through X11, the clock set through clock_settime or timedated, its changes heard through a
+// timerfd, sleep through logind, a dial-up link found through NetworkManager, notices through
+// the desktop's notification service, and the start at login through an XDG autostart entry.
 PlatformServices CreatePlatformServices()
 {
     PlatformServices services = NullPlatformServices();
     services.flash = WindowFlash::Create();
+    services.pictureLayers = PictureLayers::Make();
     services.clockSetter = std::make_unique<LinuxClockSetter>();
     services.clockChange = std::make_unique<LinuxClockChangeWatch>();
     services.suspend = std::make_unique<LinuxSuspendWatch>();

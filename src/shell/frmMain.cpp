@@ -77,6 +77,8 @@ frmMain::frmMain(const MainServices& services, QWidget* parent)
                         [this](const QString& text) { ShowSyncMessage(text); }},
         *services.platform.dialUp, std::move(makeQuery), this);
     BuildLayout();
+    // The seconds change all day: shown through a layer the display keeps, where there is one.
+    m_picMain->Seconds()->SetLayers(m_platform.pictureLayers.get());
     ConnectOwners();
 
     m_tmrMain.setObjectName(QStringLiteral("tmrMain"));

@@ -1,11 +1,17 @@
 #include "widgets/SecondsBox.h"
 
+#include "platform/PictureLayer.h"
+
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QBackingStore>
 #include <QEvent>
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOptionFrame>
+#include <QWindow>
+
+#include <cstring>
 
 namespace {
 
@@ -64,10 +70,20 @@ SecondsBox::SecondsBox(QWidget* parent) : QWidget(parent)
         return true;
     }();
     Q_UNUSED(factoryInstalled);
-    // The pixmap covers the whole box: nothing beneath needs painting.
+    // The picture covers the whole box: nothing beneath needs painting.
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::NoFocus);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+}
+
+SecondsBox::~SecondsBox() = default;
+
+void SecondsBox::SetLayers(PictureLayers* layers)
+{
+    HideLayer();
+    m_layer.reset();
+    m_kept.clear();
+    m_layers = layers;
 }
 
 void SecondsBox::setText(const QString& text)
@@ -77,7 +93,8 @@ void SecondsBox::setText(const QString& text)
     m_text = text;
     // Painted at once rather than at the next pass of the event loop: the change comes from
     // a timer, and the pass the repaint would wait for is one more round of the loop.
-    repaint();
+    if (!ShowOnLayer() && !PaintIntoWindow(Drawn(m_text)))
+        repaint();
     if (QAccessible::isActive()) {
         QAccessibleValueChangeEvent event(this, text);
         QAccessible::updateAccessibility(&event);
@@ -99,22 +116,141 @@ QSize SecondsBox::sizeHint() const
 void SecondsBox::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.drawPixmap(0, 0, Drawn(m_text));
+    painter.drawImage(0, 0, Drawn(m_text));
+    painter.end();
+    // A box repainted in another place (the window's layout changed) takes its layer along.
+    if (m_onLayer)
+        ShowOnLayer();
 }
 
-const QPixmap& SecondsBox::Drawn(const QString& text)
+void SecondsBox::hideEvent(QHideEvent* event)
+{
+    HideLayer();
+    QWidget::hideEvent(event);
+}
+
+bool SecondsBox::Uncovered() const
+{
+    // A plain child of a plain top-level window, shown, on a window the display shows, with
+    // nothing of the window over it.
+    const QWidget* top = window();
+    if (top == this || internalWinId() != 0 || nativeParentWidget() != top || !isVisible() ||
+        !updatesEnabled())
+        return false;
+    const QWindow* handle = top->windowHandle();
+    return handle && handle->isExposed() && visibleRegion() == QRegion(rect());
+}
+
+bool SecondsBox::ShowOnLayer()
+{
+    if (!m_layers)
+        return false;
+    // Device pixels are points here; other scales are left to the usual paint.
+    if (!Uncovered() || devicePixelRatioF() != 1.0) {
+        HideLayer();
+        return false;
+    }
+    if (!m_layer) {
+        m_layer = m_layers->Create(window());
+        if (!m_layer) {
+            // This display has none: never ask again.
+            m_layers = nullptr;
+            return false;
+        }
+    }
+    int number = m_kept.value(m_text, -1);
+    if (number < 0) {
+        if (m_kept.size() >= 128)
+            ForgetPictures();
+        number = m_layer->Keep(Drawn(m_text));
+        if (number < 0) {
+            HideLayer();
+            return false;
+        }
+        m_kept.insert(m_text, number);
+    }
+    m_layer->Show(number, QRect(mapTo(window(), QPoint(0, 0)), size()));
+    m_onLayer = true;
+    return true;
+}
+
+void SecondsBox::HideLayer()
+{
+    if (!m_onLayer)
+        return;
+    m_onLayer = false;
+    m_layer->Hide();
+}
+
+void SecondsBox::ForgetPictures()
+{
+    m_drawn.clear();
+    m_kept.clear();
+    if (m_layer)
+        m_layer->Forget();
+}
+
+bool SecondsBox::PaintIntoWindow(const QImage& drawn)
+{
+    // Nothing over the box: its place in the window's backing store then holds exactly what
+    // its paint event would draw, so writing the picture there and flushing that place is the
+    // repaint, without the round of the repaint machinery through the widget tree.
+    if (!Uncovered())
+        return false;
+    QWidget* top = window();
+    QBackingStore* store = top->backingStore();
+    QWindow* handle = top->windowHandle();
+    if (!store)
+        return false;
+    const QRect area(mapTo(top, QPoint(0, 0)), size());
+    if (!QRect(QPoint(0, 0), store->size()).contains(area))
+        return false;
+
+    const QRegion region(area);
+    store->beginPaint(region);
+    QPaintDevice* device = store->paintDevice();
+    if (!device) {
+        store->endPaint();
+        return false;
+    }
+    auto* image = device->devType() == QInternal::Image ? static_cast<QImage*>(device) : nullptr;
+    if (image && image->format() == drawn.format() && image->devicePixelRatio() == 1.0 &&
+        drawn.devicePixelRatio() == 1.0 && image->rect().contains(area)) {
+        // The common case: the same pixel format at one pixel per point, row by row.
+        const qsizetype rowBytes = qsizetype(drawn.width()) * (drawn.depth() / 8);
+        for (int y = 0; y < drawn.height(); ++y)
+            std::memcpy(image->scanLine(area.y() + y) + qsizetype(area.x()) * (image->depth() / 8),
+                        drawn.constScanLine(y), size_t(rowBytes));
+    } else {
+        QPainter painter(device);
+        painter.drawImage(area.topLeft(), drawn);
+    }
+    store->endPaint();
+    store->flush(region, handle);
+    return true;
+}
+
+const QImage& SecondsBox::Drawn(const QString& text)
 {
     const qreal ratio = devicePixelRatioF();
+    // Drawn in the pixel format of the window's backing store, so that a change can be copied
+    // there row by row.
+    QImage::Format format = QImage::Format_ARGB32_Premultiplied;
+    if (QBackingStore* store = window()->backingStore()) {
+        const QPaintDevice* device = store->paintDevice();
+        if (device && device->devType() == QInternal::Image)
+            format = static_cast<const QImage*>(device)->format();
+    }
     auto found = m_drawn.find(text);
-    if (found != m_drawn.end() && found->devicePixelRatio() == ratio)
+    if (found != m_drawn.end() && found->devicePixelRatio() == ratio && found->format() == format)
         return *found;
     // Kept small even if the box is given other texts than the seconds.
     if (m_drawn.size() >= 128)
-        m_drawn.clear();
-    QPixmap pixmap(size() * ratio);
-    pixmap.setDevicePixelRatio(ratio);
-    pixmap.fill(palette().color(QPalette::Window));
-    QPainter painter(&pixmap);
+        ForgetPictures();
+    QImage picture(size() * ratio, format);
+    picture.setDevicePixelRatio(ratio);
+    picture.fill(palette().color(QPalette::Window));
+    QPainter painter(&picture);
     const QStyleOptionFrame option = FrameOption(this);
     style()->drawPrimitive(QStyle::PE_PanelLineEdit, &option, &painter, this);
     if (!text.isEmpty()) {
@@ -131,7 +267,7 @@ const QPixmap& SecondsBox::Drawn(const QString& text)
         painter.drawText(x, y, text);
     }
     painter.end();
-    return *m_drawn.insert(text, pixmap);
+    return *m_drawn.insert(text, picture);
 }
 
 void SecondsBox::changeEvent(QEvent* event)
@@ -141,7 +277,7 @@ void SecondsBox::changeEvent(QEvent* event)
     case QEvent::PaletteChange:
     case QEvent::StyleChange:
     case QEvent::EnabledChange:
-        m_drawn.clear();
+        ForgetPictures();
         updateGeometry();
         update();
         break;
@@ -153,6 +289,6 @@ void SecondsBox::changeEvent(QEvent* event)
 
 void SecondsBox::resizeEvent(QResizeEvent* event)
 {
-    m_drawn.clear();
+    ForgetPictures();
     QWidget::resizeEvent(event);
 }

@@ -27,6 +27,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <array>
 #include <cstdio>
 #include <exception>
 
@@ -185,6 +186,18 @@ qint64 FloorDiv(qint64 a, qint64 b)
     return a / b - ((a % b != 0) && ((a < 0) != (b < 0)) ? 1 : 0);
 }
 
+// "00" to "59", made once rather than formatted again at every change of the second.
+const QString& TwoDigits(int n)
+{
+    static const std::array<QString, 60> texts = [] {
+        std::array<QString, 60> made;
+        for (int i = 0; i < 60; ++i)
+            made[size_t(i)] = QStringLiteral("%1").arg(i, 2, 10, QLatin1Char('0'));
+        return made;
+    }();
+    return texts[size_t(n)];
+}
+
 } // namespace
 
 int frmMain::MsecToNextHalfSecond(qint64 msecs)
@@ -238,7 +251,7 @@ void frmMain::tmrMain_Timer()
         if (localSecond != m_shownSecond) {
             m_shownSecond = localSecond;
             const int ss = int(localSecond - FloorDiv(localSecond, 60) * 60);
-            m_picMain->Seconds()->setText(QStringLiteral("%1").arg(ss, 2, 10, QLatin1Char('0')));
+            m_picMain->Seconds()->setText(TwoDigits(ss));
         }
         // While the sync run sets the clock, the half-set clock is not acted on.
         if (m_sync->ClockBeingSet())

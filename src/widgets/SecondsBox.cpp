@@ -150,7 +150,14 @@ bool SecondsBox::ShowOnLayer()
         HideLayer();
         return false;
     }
+    if (m_layer && m_layerWindow != window()) {
+        // Moved to another window: a layer of that window's own.
+        HideLayer();
+        m_layer.reset();
+        m_kept.clear();
+    }
     if (!m_layer) {
+        m_layerWindow = window();
         m_layer = m_layers->Create(window());
         if (!m_layer) {
             // This display has none: never ask again.

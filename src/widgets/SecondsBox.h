@@ -58,6 +58,8 @@ private:
     QHash<QString, QImage> m_drawn;
     PictureLayers* m_layers = nullptr;
     std::unique_ptr<PictureLayer> m_layer;
+    // The window the layer is over.
+    const QWidget* m_layerWindow = nullptr;
     // The number of each text's picture kept on the layer.
     QHash<QString, int> m_kept;
     // The layer is shown over the box: what the window itself holds there may be older.

@@ -121,6 +121,7 @@ private slots:
     void hiddenBoxTakesItsLayerAway();
     void movedBoxTakesItsLayerAlong();
     void fontChangeHandsNewPictures();
+    void boxMovedToAnotherWindowGetsThatWindowsLayer();
     void refusedPictureIsPaintedInstead();
     void displayWithoutLayersIsAskedOnce();
     void withoutLayersAChangeIsCopiedIntoTheWindowAtOnce();
@@ -256,6 +257,34 @@ void tst_SecondsBox::fontChangeHandsNewPictures()
     QTRY_COMPARE(log.kept.at(0).size(), w.box->size());
     QVERIFY(log.kept.at(0).size() != before);
     QCOMPARE(log.shown.last(), qMakePair(0, w.BoxInWindow()));
+}
+
+void tst_SecondsBox::boxMovedToAnotherWindowGetsThatWindowsLayer()
+{
+    LayerLog log;
+    FakeLayers layers(log);
+    Window w;
+    w.box->SetLayers(&layers);
+    w.top.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&w.top));
+    w.box->setText(QStringLiteral("61"));
+    QCOMPARE(log.created, 1);
+
+    QWidget other;
+    other.resize(200, 100);
+    other.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&other));
+    w.box->setParent(&other);
+    w.box->move(10, 10);
+    w.box->show();
+    QCoreApplication::processEvents();
+    w.box->setText(QStringLiteral("62"));
+    QCOMPARE(log.created, 2);
+    QCOMPARE(log.shown.last().second, QRect(QPoint(10, 10), w.box->size()));
+    // A text kept on the old layer is handed to the new one again.
+    w.box->setText(QStringLiteral("61"));
+    QCOMPARE(log.kept.size(), 3);
+    QCOMPARE(log.shown.last().first, 2);
 }
 
 void tst_SecondsBox::refusedPictureIsPaintedInstead()

@@ -16,11 +16,14 @@ class PictureLayer
 public:
     virtual ~PictureLayer() = default;
     // Hands `picture` (in device pixels) to the server and returns its number, or -1 when it
-    // cannot be kept there (too large, or of a form the display does not take).
+    // cannot be kept there (too large, of a form the display does not take, or the layer
+    // has failed).
     virtual int Keep(const QImage& picture) = 0;
     // Shows kept picture `number` over `area` of the window (device pixels; the size of the
-    // picture), above everything the window draws itself.
-    virtual void Show(int number, const QRect& area) = 0;
+    // picture), above everything the window draws itself. False when the layer has failed:
+    // the server refused one of its requests (out of memory, a window of another kind made
+    // anew), so what it shows may be wrong; the caller then hides it and paints the usual way.
+    virtual bool Show(int number, const QRect& area) = 0;
     // Takes the layer away: the window's own drawing shows again.
     virtual void Hide() = 0;
     // Frees every kept picture; numbers start again from 0. The one shown stays shown until

@@ -80,10 +80,10 @@ SecondsBox::~SecondsBox() = default;
 
 void SecondsBox::SetLayers(PictureLayers* layers)
 {
-    HideLayer();
-    m_layer.reset();
-    m_kept.clear();
+    DropLayer();
     m_layers = layers;
+    // What the window holds under a layer taken away may be an older text.
+    update();
 }
 
 void SecondsBox::setText(const QString& text)
@@ -131,14 +131,33 @@ void SecondsBox::hideEvent(QHideEvent* event)
 
 bool SecondsBox::Uncovered() const
 {
-    // A plain child of a plain top-level window, shown, on a window the display shows, with
-    // nothing of the window over it.
+    // A plain child of a plain top-level window, shown, on a window the display shows.
     const QWidget* top = window();
     if (top == this || internalWinId() != 0 || nativeParentWidget() != top || !isVisible() ||
         !updatesEnabled())
         return false;
     const QWindow* handle = top->windowHandle();
-    return handle && handle->isExposed() && visibleRegion() == QRegion(rect());
+    if (!handle || !handle->isExposed())
+        return false;
+    // Whole inside each parent, and under no shown sibling stacked above it or above one of
+    // its parents, opaque or not: a see-through label laid over the box must show as well.
+    QRect area = rect();
+    for (const QWidget* w = this; w != top; w = w->parentWidget()) {
+        const QWidget* parent = w->parentWidget();
+        area.translate(w->pos());
+        if (!parent->rect().contains(area))
+            return false;
+        const QObjectList& siblings = parent->children();
+        for (qsizetype i = siblings.indexOf(const_cast<QWidget*>(w)) + 1; i < siblings.size(); ++i) {
+            const QObject* sibling = siblings.at(i);
+            if (!sibling->isWidgetType())
+                continue;
+            const auto* widget = static_cast<const QWidget*>(sibling);
+            if (!widget->isWindow() && !widget->isHidden() && widget->geometry().intersects(area))
+                return false;
+        }
+    }
+    return true;
 }
 
 bool SecondsBox::ShowOnLayer()
@@ -152,9 +171,7 @@ bool SecondsBox::ShowOnLayer()
     }
     if (m_layer && m_layerWindow != window()) {
         // Moved to another window: a layer of that window's own.
-        HideLayer();
-        m_layer.reset();
-        m_kept.clear();
+        DropLayer();
     }
     if (!m_layer) {
         m_layerWindow = window();
@@ -176,9 +193,23 @@ bool SecondsBox::ShowOnLayer()
         }
         m_kept.insert(m_text, number);
     }
-    m_layer->Show(number, QRect(mapTo(window(), QPoint(0, 0)), size()));
+    if (!m_layer->Show(number, QRect(mapTo(window(), QPoint(0, 0)), size()))) {
+        // The display refused the layer something: what it shows may be wrong. The box
+        // paints itself from now on.
+        qWarning("The seconds box's picture layer failed; the box paints itself from now on.");
+        DropLayer();
+        m_layers = nullptr;
+        return false;
+    }
     m_onLayer = true;
     return true;
+}
+
+void SecondsBox::DropLayer()
+{
+    HideLayer();
+    m_layer.reset();
+    m_kept.clear();
 }
 
 void SecondsBox::HideLayer()
@@ -287,6 +318,10 @@ void SecondsBox::changeEvent(QEvent* event)
         ForgetPictures();
         updateGeometry();
         update();
+        break;
+    case QEvent::ParentChange:
+        // Perhaps in another window now: the layer of the old one goes at once.
+        DropLayer();
         break;
     default:
         break;

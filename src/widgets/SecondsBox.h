@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QImage>
+#include <QPointer>
 #include <QWidget>
 
 #include <memory>
@@ -49,6 +50,7 @@ private:
     bool Uncovered() const;
     bool ShowOnLayer();
     void HideLayer();
+    void DropLayer();
     void ForgetPictures();
     bool PaintIntoWindow(const QImage& drawn);
 
@@ -59,7 +61,7 @@ private:
     PictureLayers* m_layers = nullptr;
     std::unique_ptr<PictureLayer> m_layer;
     // The window the layer is over.
-    const QWidget* m_layerWindow = nullptr;
+    QPointer<const QWidget> m_layerWindow;
     // The number of each text's picture kept on the layer.
     QHash<QString, int> m_kept;
     // The layer is shown over the box: what the window itself holds there may be older.

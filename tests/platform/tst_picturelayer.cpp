@@ -1,6 +1,8 @@
 // The X11 picture layer against a real X server: the test runs under an Xvfb of its own.
 #include "platform/PictureLayer.h"
+#include "widgets/SecondsBox.h"
 
+#include <QAbstractNativeEventFilter>
 #include <QApplication>
 #include <QImage>
 #include <QMouseEvent>
@@ -8,7 +10,11 @@
 #include <QProcess>
 #include <QScreen>
 #include <QTest>
+#include <QVBoxLayout>
 #include <QWidget>
+
+#include <cstdlib>
+#include <xcb/xcb.h>
 
 namespace {
 
@@ -57,11 +63,57 @@ QColor ShownAt(const QWidget& window, QPoint point)
     return shot.isNull() ? QColor() : shot.pixelColor(0, 0);
 }
 
-// Every message the toolkit prints while the test runs: an X error shows up here.
-QStringList g_messages;
-void Collect(QtMsgType, const QMessageLogContext&, const QString& message)
+// Counts the X server's error replies as they reach the toolkit's event loop.
+class XErrors final : public QAbstractNativeEventFilter
 {
-    g_messages.append(message);
+public:
+    int count = 0;
+    bool nativeEventFilter(const QByteArray& type, void* message, qintptr*) override
+    {
+        if (type == "xcb_generic_event_t" &&
+            (static_cast<xcb_generic_event_t*>(message)->response_type & 0x7f) == 0)
+            ++count;
+        return false;
+    }
+};
+
+xcb_connection_t* Connection()
+{
+    return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+}
+
+// Waits for the server to have handled every request sent so far, and for the toolkit to
+// have taken in whatever came back.
+void RoundTrip()
+{
+    std::free(xcb_get_input_focus_reply(Connection(), xcb_get_input_focus(Connection()), nullptr));
+    for (int i = 0; i < 5; ++i)
+        QCoreApplication::processEvents();
+}
+
+// The children the server has under the X window of `window`.
+QList<xcb_window_t> XChildren(const QWidget& window)
+{
+    QList<xcb_window_t> children;
+    xcb_query_tree_reply_t* tree = xcb_query_tree_reply(
+        Connection(), xcb_query_tree(Connection(), xcb_window_t(window.windowHandle()->winId())), nullptr);
+    if (tree) {
+        const xcb_window_t* ids = xcb_query_tree_children(tree);
+        for (int i = 0; i < xcb_query_tree_children_length(tree); ++i)
+            children.append(ids[i]);
+        std::free(tree);
+    }
+    return children;
+}
+
+// What the screen shows over `area` of the window.
+QImage ShownOver(const QWidget& window, const QRect& area)
+{
+    const QPoint onScreen = window.mapToGlobal(area.topLeft());
+    return window.screen()
+        ->grabWindow(0, onScreen.x(), onScreen.y(), area.width(), area.height())
+        .toImage()
+        .convertToFormat(QImage::Format_RGB32);
 }
 
 } // namespace
@@ -81,23 +133,27 @@ private slots:
     void thePointerGoesThroughToTheWindow();
     void refusesWhatOneRequestCannotCarry();
     void canBeSwitchedOff();
+    void aRefusedRequestIsReported();
+    void secondsBoxShowsEachSecondOnTheScreen_data();
+    void secondsBoxShowsEachSecondOnTheScreen();
 
 private:
     std::unique_ptr<PictureLayers> m_layers;
     std::unique_ptr<Canvas> m_window;
+    XErrors m_errors;
 };
 
 void tst_PictureLayer::initTestCase()
 {
     if (QGuiApplication::platformName() != QLatin1String("xcb"))
         QSKIP("needs the xcb platform on an X server");
-    qInstallMessageHandler(Collect);
+    QCoreApplication::instance()->installNativeEventFilter(&m_errors);
     m_layers = PictureLayers::Make();
 }
 
 void tst_PictureLayer::init()
 {
-    g_messages.clear();
+    m_errors.count = 0;
     m_window = std::make_unique<Canvas>();
     m_window->move(0, 0);
     m_window->show();
@@ -108,9 +164,9 @@ void tst_PictureLayer::init()
 void tst_PictureLayer::cleanup()
 {
     m_window.reset();
-    QCoreApplication::processEvents();
     // No request of the layer may have been refused by the server.
-    QVERIFY2(g_messages.filter(QStringLiteral("rror")).isEmpty(), qPrintable(g_messages.join(u'\n')));
+    RoundTrip();
+    QCOMPARE(m_errors.count, 0);
 }
 
 void tst_PictureLayer::showsKeptPicturesWhereAsked()
@@ -259,6 +315,64 @@ void tst_PictureLayer::canBeSwitchedOff()
     // Only a top-level window carries a layer.
     QWidget child(m_window.get());
     QVERIFY(m_layers->Create(&child) == nullptr);
+}
+
+void tst_PictureLayer::aRefusedRequestIsReported()
+{
+    auto layer = m_layers->Create(m_window.get());
+    QVERIFY(layer);
+    const int red = layer->Keep(Filled(Qt::red));
+    const int blue = layer->Keep(Filled(Qt::blue));
+    QVERIFY(layer->Show(red, QRect(10, 10, 40, 20)));
+    RoundTrip();
+    QCOMPARE(m_errors.count, 0);
+    // The layer's window destroyed behind its back: its next requests are refused.
+    const QList<xcb_window_t> children = XChildren(*m_window);
+    QCOMPARE(children.size(), 1);
+    xcb_destroy_window(Connection(), children.first());
+    QVERIFY(layer->Show(blue, QRect(10, 10, 40, 20)));
+    RoundTrip();
+    QVERIFY(m_errors.count >= 1);
+    QVERIFY(!layer->Show(red, QRect(10, 10, 40, 20)));
+    QCOMPARE(layer->Keep(Filled(Qt::yellow)), -1);
+    m_errors.count = 0;
+}
+
+void tst_PictureLayer::secondsBoxShowsEachSecondOnTheScreen_data()
+{
+    QTest::addColumn<bool>("layers");
+    QTest::newRow("through the layer") << true;
+    QTest::newRow("copied into the window") << false;
+}
+
+void tst_PictureLayer::secondsBoxShowsEachSecondOnTheScreen()
+{
+    QFETCH(bool, layers);
+    if (!layers)
+        qputenv("TARROWIND_NO_LAYERS", "1");
+    auto* layout = new QVBoxLayout(m_window.get());
+    auto* box = new SecondsBox(m_window.get());
+    layout->addWidget(box);
+    box->SetLayers(m_layers.get());
+    box->setText(QStringLiteral("00"));
+    layout->activate();
+    QTRY_VERIFY(box->isVisible());
+    QCoreApplication::processEvents();
+    const QRect area(box->mapTo(m_window.get(), QPoint(0, 0)), box->size());
+    QTRY_COMPARE(ShownOver(*m_window, area), box->grab().toImage().convertToFormat(QImage::Format_RGB32));
+
+    // Each change is on the screen once the server has the requests sent with it, with no
+    // pass of the event loop in between.
+    QImage previous;
+    for (const char* text : {"07", "08", "59", "07"}) {
+        box->setText(QString::fromLatin1(text));
+        const QImage shown = ShownOver(*m_window, area);
+        QCOMPARE(shown, box->grab().toImage().convertToFormat(QImage::Format_RGB32));
+        QVERIFY(shown != previous);
+        previous = shown;
+    }
+    QCOMPARE(XChildren(*m_window).size(), layers ? 1 : 0);
+    qunsetenv("TARROWIND_NO_LAYERS");
 }
 
 QTEST_MAIN(tst_PictureLayer)

@@ -22,7 +22,8 @@ struct LayerLog
     int hidden = 0;
     int forgotten = 0;
     bool refuse = false;
-    bool none = false; // the display has no layers
+    bool none = false;   // the display has no layers
+    bool failed = false; // the display refused the layer something
 };
 
 class FakeLayer final : public PictureLayer
@@ -36,7 +37,13 @@ public:
         m_log.kept.append(picture);
         return int(m_log.kept.size()) - 1;
     }
-    void Show(int number, const QRect& area) override { m_log.shown.append({number, area}); }
+    bool Show(int number, const QRect& area) override
+    {
+        if (m_log.failed)
+            return false;
+        m_log.shown.append({number, area});
+        return true;
+    }
     void Hide() override { ++m_log.hidden; }
     void Forget() override
     {
@@ -118,6 +125,8 @@ class tst_SecondsBox : public QObject
 private slots:
     void eachTextIsHandedToTheLayerOnceAndShownWithoutARepaint();
     void coveredBoxTakesItsLayerAwayAndRepaints();
+    void seeThroughCoverTakesTheLayerAwayToo();
+    void failedLayerIsDroppedForGood();
     void hiddenBoxTakesItsLayerAway();
     void movedBoxTakesItsLayerAlong();
     void fontChangeHandsNewPictures();
@@ -192,6 +201,57 @@ void tst_SecondsBox::coveredBoxTakesItsLayerAwayAndRepaints()
     w.box->setText(QStringLiteral("03"));
     QCOMPARE(log.shown.size(), 2);
     QCOMPARE(log.shown.last().second, w.BoxInWindow());
+}
+
+void tst_SecondsBox::seeThroughCoverTakesTheLayerAwayToo()
+{
+    LayerLog log;
+    FakeLayers layers(log);
+    Window w;
+    w.box->SetLayers(&layers);
+    w.top.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&w.top));
+    w.box->setText(QStringLiteral("71"));
+    QCOMPARE(log.shown.size(), 1);
+    // A label with no background of its own over a corner of the box: the layer would hide
+    // its text, and a copy into the window would paint over it.
+    auto* cover = new QLabel(QStringLiteral("x"), &w.top);
+    cover->setGeometry(QRect(w.BoxInWindow().topLeft(), QSize(6, 6)));
+    cover->show();
+    QCoreApplication::processEvents();
+    PaintCounter counter;
+    w.box->installEventFilter(&counter);
+    w.box->setText(QStringLiteral("72"));
+    QCOMPARE(log.hidden, 1);
+    QCOMPARE(log.shown.size(), 1);
+    QVERIFY(counter.paints >= 1);
+}
+
+void tst_SecondsBox::failedLayerIsDroppedForGood()
+{
+    LayerLog log;
+    FakeLayers layers(log);
+    Window w;
+    w.box->SetLayers(&layers);
+    w.top.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&w.top));
+    w.box->setText(QStringLiteral("81"));
+    QCOMPARE(log.shown.size(), 1);
+
+    log.failed = true;
+    QTest::ignoreMessage(QtWarningMsg,
+                         "The seconds box's picture layer failed; the box paints itself from now on.");
+    w.box->setText(QStringLiteral("82"));
+    QCOMPARE(log.hidden, 1);
+    // Shown by the box itself at once.
+    const QImage store = w.StoreAtBox();
+    QCOMPARE(store, Painted(w.box, store));
+    // And from then on, without asking for a layer again.
+    log.failed = false;
+    w.box->setText(QStringLiteral("83"));
+    QCOMPARE(log.shown.size(), 1);
+    QCOMPARE(log.asked, 1);
+    QCOMPARE(w.StoreAtBox(), Painted(w.box, store));
 }
 
 void tst_SecondsBox::hiddenBoxTakesItsLayerAway()
@@ -275,6 +335,8 @@ void tst_SecondsBox::boxMovedToAnotherWindowGetsThatWindowsLayer()
     other.show();
     QVERIFY(QTest::qWaitForWindowExposed(&other));
     w.box->setParent(&other);
+    // The old window's layer goes at once.
+    QCOMPARE(log.hidden, 1);
     w.box->move(10, 10);
     w.box->show();
     QCoreApplication::processEvents();

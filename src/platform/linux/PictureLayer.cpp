@@ -1,10 +1,14 @@
 #include "platform/PictureLayer.h"
 
+#include <QAbstractNativeEventFilter>
+#include <QCoreApplication>
 #include <QGuiApplication>
 #include <QImage>
+#include <QPointer>
 #include <QWidget>
 #include <QWindow>
 
+#include <array>
 #include <cstdlib>
 #include <vector>
 #include <xcb/xcb.h>
@@ -16,7 +20,7 @@ namespace {
 // the id is not always brought up to date.
 xcb_window_t XWindowOf(const QWidget* window)
 {
-    const QWindow* handle = window->windowHandle();
+    const QWindow* handle = window ? window->windowHandle() : nullptr;
     return handle && handle->handle() ? xcb_window_t(handle->winId()) : 0;
 }
 
@@ -32,7 +36,8 @@ void Quietly(xcb_connection_t* connection, xcb_void_cookie_t cookie)
 // significant byte first. Anything else is left to the toolkit.
 bool TakesQtPixels(const xcb_setup_t* setup, uint8_t depth, xcb_visualid_t visual)
 {
-    if (setup->image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST || (depth != 24 && depth != 32))
+    if (QSysInfo::ByteOrder != QSysInfo::LittleEndian ||
+        setup->image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST || (depth != 24 && depth != 32))
         return false;
     bool wholeWords = false;
     for (auto f = xcb_setup_pixmap_formats_iterator(setup); f.rem; xcb_format_next(&f))
@@ -57,33 +62,48 @@ bool TakesQtPixels(const xcb_setup_t* setup, uint8_t depth, xcb_visualid_t visua
 // shown: the server draws it by itself whenever it is uncovered, and changing the picture is
 // one request to set the background and one to clear the window to it. Each picture is kept
 // as a pixmap on the server.
-class X11PictureLayer final : public PictureLayer
+//
+// The requests are not waited on (a round trip each second would wake the program once more
+// a second). The server's refusal of any of them comes back later as an error event, which
+// the layer watches for among the toolkit's events: from then on it reports that it has
+// failed, and the box goes back to painting itself.
+class X11PictureLayer final : public PictureLayer, public QAbstractNativeEventFilter
 {
 public:
     X11PictureLayer(xcb_connection_t* connection, QWidget* window, xcb_window_t root, uint8_t depth)
         : m_connection(connection), m_window(window), m_root(root), m_depth(depth)
     {
         m_parent = XWindowOf(window);
+        QCoreApplication::instance()->installNativeEventFilter(this);
         // Pixmaps and their drawing context belong to the screen, not to the window, which
         // may be made anew: a context of the pictures' depth, made on a pixmap of that depth.
-        const xcb_pixmap_t sample = xcb_generate_id(m_connection);
-        xcb_create_pixmap(m_connection, m_depth, sample, m_root, 1, 1);
-        m_gc = xcb_generate_id(m_connection);
-        xcb_create_gc(m_connection, m_gc, sample, 0, nullptr);
-        xcb_free_pixmap(m_connection, sample);
+        const xcb_pixmap_t sample = NewId();
+        m_gc = NewId();
+        if (sample == 0 || m_gc == 0) {
+            m_failed = true;
+            return;
+        }
+        Burst burst;
+        burst.Note(xcb_create_pixmap(m_connection, m_depth, sample, m_root, 1, 1));
+        burst.Note(xcb_create_gc(m_connection, m_gc, sample, 0, nullptr));
+        burst.Note(xcb_free_pixmap(m_connection, sample));
+        Record(burst);
     }
 
     ~X11PictureLayer() override
     {
+        if (QCoreApplication* app = QCoreApplication::instance())
+            app->removeNativeEventFilter(this);
         Forget();
         DestroyChild();
-        Quietly(m_connection, xcb_free_gc_checked(m_connection, m_gc));
+        if (m_gc != 0)
+            Quietly(m_connection, xcb_free_gc_checked(m_connection, m_gc));
         xcb_flush(m_connection);
     }
 
     int Keep(const QImage& picture) override
     {
-        if (picture.isNull() || picture.width() > 0x7fff || picture.height() > 0x7fff)
+        if (m_failed || picture.isNull() || picture.width() > 0x7fff || picture.height() > 0x7fff)
             return -1;
         QImage pixels = picture;
         if (pixels.format() != QImage::Format_RGB32 && pixels.format() != QImage::Format_ARGB32_Premultiplied)
@@ -93,35 +113,47 @@ public:
         if (size_t(pixels.bytesPerLine()) != size_t(pixels.width()) * 4 ||
             bytes + 24 > size_t(xcb_get_maximum_request_length(m_connection)) * 4)
             return -1;
-        const xcb_pixmap_t pixmap = xcb_generate_id(m_connection);
-        xcb_create_pixmap(m_connection, m_depth, pixmap, m_root, uint16_t(pixels.width()),
-                          uint16_t(pixels.height()));
-        xcb_put_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, m_gc, uint16_t(pixels.width()),
-                      uint16_t(pixels.height()), 0, 0, 0, m_depth, uint32_t(bytes), pixels.constBits());
+        const xcb_pixmap_t pixmap = NewId();
+        if (pixmap == 0)
+            return -1;
+        Burst burst;
+        burst.Note(xcb_create_pixmap(m_connection, m_depth, pixmap, m_root, uint16_t(pixels.width()),
+                                     uint16_t(pixels.height())));
+        burst.Note(xcb_put_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, m_gc,
+                                 uint16_t(pixels.width()), uint16_t(pixels.height()), 0, 0, 0, m_depth,
+                                 uint32_t(bytes), pixels.constBits()));
+        Record(burst);
         m_pixmaps.push_back(pixmap);
         return int(m_pixmaps.size()) - 1;
     }
 
-    void Show(int number, const QRect& area) override
+    bool Show(int number, const QRect& area) override
     {
+        if (m_failed)
+            return false;
         if (number < 0 || number >= int(m_pixmaps.size()) || area.isEmpty())
-            return;
+            return true;
         // A window made anew (its id changed) took the old child with it.
         const xcb_window_t parent = XWindowOf(m_window);
         if (parent == 0)
-            return;
+            return true;
         if (parent != m_parent) {
             m_parent = parent;
             m_child = 0;
         }
         const xcb_pixmap_t pixmap = m_pixmaps[size_t(number)];
+        Burst burst;
         if (m_child == 0) {
-            m_child = xcb_generate_id(m_connection);
+            m_child = NewId();
+            if (m_child == 0) {
+                m_failed = true;
+                return false;
+            }
             const uint32_t values[] = {pixmap, 0};
-            xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, m_child, m_parent, int16_t(area.x()),
-                              int16_t(area.y()), uint16_t(area.width()), uint16_t(area.height()), 0,
-                              XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
-                              XCB_CW_BACK_PIXMAP | XCB_CW_EVENT_MASK, values);
+            burst.Note(xcb_create_window(
+                m_connection, XCB_COPY_FROM_PARENT, m_child, m_parent, int16_t(area.x()), int16_t(area.y()),
+                uint16_t(area.width()), uint16_t(area.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXMAP | XCB_CW_EVENT_MASK, values));
             m_area = area;
             m_shown = pixmap;
             m_mapped = false;
@@ -129,25 +161,27 @@ public:
         if (area != m_area) {
             const uint32_t geometry[] = {uint32_t(area.x()), uint32_t(area.y()), uint32_t(area.width()),
                                          uint32_t(area.height())};
-            xcb_configure_window(m_connection, m_child,
-                                 XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
-                                     XCB_CONFIG_WINDOW_HEIGHT,
-                                 geometry);
+            burst.Note(xcb_configure_window(m_connection, m_child,
+                                            XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
+                                                XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                                            geometry));
             m_area = area;
         }
         if (pixmap != m_shown) {
-            xcb_change_window_attributes(m_connection, m_child, XCB_CW_BACK_PIXMAP, &pixmap);
-            xcb_clear_area(m_connection, 0, m_child, 0, 0, 0, 0);
+            burst.Note(xcb_change_window_attributes(m_connection, m_child, XCB_CW_BACK_PIXMAP, &pixmap));
+            burst.Note(xcb_clear_area(m_connection, 0, m_child, 0, 0, 0, 0));
             m_shown = pixmap;
         }
         if (!m_mapped) {
             // Always the top child: nothing the program draws itself is over it.
             const uint32_t above[] = {XCB_STACK_MODE_ABOVE};
-            xcb_configure_window(m_connection, m_child, XCB_CONFIG_WINDOW_STACK_MODE, above);
-            xcb_map_window(m_connection, m_child);
+            burst.Note(xcb_configure_window(m_connection, m_child, XCB_CONFIG_WINDOW_STACK_MODE, above));
+            burst.Note(xcb_map_window(m_connection, m_child));
             m_mapped = true;
         }
+        Record(burst);
         xcb_flush(m_connection);
+        return true;
     }
 
     void Hide() override
@@ -165,10 +199,56 @@ public:
         for (const xcb_pixmap_t pixmap : m_pixmaps)
             Quietly(m_connection, xcb_free_pixmap_checked(m_connection, pixmap));
         m_pixmaps.clear();
+        // An id may be handed out again: the next Show sets the background whatever it is.
+        m_shown = 0;
         xcb_flush(m_connection);
     }
 
+    bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) override
+    {
+        if (m_failed || eventType != "xcb_generic_event_t" || !message)
+            return false;
+        const auto* event = static_cast<const xcb_generic_event_t*>(message);
+        if ((event->response_type & 0x7f) != 0)
+            return false;
+        const uint32_t sequence = static_cast<const xcb_generic_error_t*>(message)->full_sequence;
+        for (const Burst& burst : m_sent)
+            if (burst.Holds(sequence))
+                m_failed = true;
+        // The toolkit goes on to handle (and log) the error as it would any other.
+        return false;
+    }
+
 private:
+    // The sequence numbers of the requests the layer sent in one go (the toolkit's own
+    // requests come before or after, from the same thread), for the errors they may bring.
+    struct Burst
+    {
+        bool any = false;
+        uint32_t first = 0;
+        uint32_t last = 0;
+        void Note(xcb_void_cookie_t cookie)
+        {
+            if (!any)
+                first = cookie.sequence;
+            any = true;
+            last = cookie.sequence;
+        }
+        bool Holds(uint32_t sequence) const { return any && sequence - first <= last - first; }
+    };
+    // The last few bursts: an error comes back within moments, long before the next tick.
+    void Record(const Burst& burst)
+    {
+        if (!burst.any)
+            return;
+        m_sent[m_sentAt] = burst;
+        m_sentAt = (m_sentAt + 1) % m_sent.size();
+    }
+    xcb_window_t NewId()
+    {
+        const uint32_t id = xcb_generate_id(m_connection);
+        return id == uint32_t(-1) ? 0 : id;
+    }
     void DestroyChild()
     {
         // The child goes with its parent; one made anew has another id.
@@ -178,7 +258,8 @@ private:
     }
 
     xcb_connection_t* m_connection;
-    QWidget* m_window;
+    // Gone with the window, should the layer outlive it.
+    QPointer<QWidget> m_window;
     xcb_window_t m_root;
     uint8_t m_depth;
     xcb_window_t m_parent = 0;
@@ -188,6 +269,9 @@ private:
     QRect m_area;
     xcb_pixmap_t m_shown = 0;
     bool m_mapped = false;
+    bool m_failed = false;
+    std::array<Burst, 8> m_sent{};
+    size_t m_sentAt = 0;
 };
 
 class X11PictureLayers final : public PictureLayers

@@ -117,6 +117,19 @@ QImage Painted(SecondsBox* box, const QImage& like)
     return box->grab().toImage().convertToFormat(like.format());
 }
 
+// A shown window whose seconds box uses fake layers that record what they are asked.
+struct Desk
+{
+    LayerLog log;
+    FakeLayers layers{log};
+    Window w;
+    Desk()
+    {
+        w.box->SetLayers(&layers);
+        w.top.show();
+    }
+};
+
 } // namespace
 
 class tst_SecondsBox : public QObject
@@ -139,11 +152,9 @@ private slots:
 
 void tst_SecondsBox::eachTextIsHandedToTheLayerOnceAndShownWithoutARepaint()
 {
-    LayerLog log;
-    FakeLayers layers(log);
-    Window w;
-    w.box->SetLayers(&layers);
-    w.top.show();
+    Desk desk;
+    LayerLog& log = desk.log;
+    Window& w = desk.w;
     QVERIFY(QTest::qWaitForWindowExposed(&w.top));
     PaintCounter counter;
     w.box->installEventFilter(&counter);
@@ -170,11 +181,9 @@ void tst_SecondsBox::eachTextIsHandedToTheLayerOnceAndShownWithoutARepaint()
 
 void tst_SecondsBox::coveredBoxTakesItsLayerAwayAndRepaints()
 {
-    LayerLog log;
-    FakeLayers layers(log);
-    Window w;
-    w.box->SetLayers(&layers);
-    w.top.show();
+    Desk desk;
+    LayerLog& log = desk.log;
+    Window& w = desk.w;
     QVERIFY(QTest::qWaitForWindowExposed(&w.top));
     w.box->setText(QStringLiteral("01"));
     QCOMPARE(log.shown.size(), 1);
@@ -205,11 +214,9 @@ void tst_SecondsBox::coveredBoxTakesItsLayerAwayAndRepaints()
 
 void tst_SecondsBox::seeThroughCoverTakesTheLayerAwayToo()
 {
-    LayerLog log;
-    FakeLayers layers(log);
-    Window w;
-    w.box->SetLayers(&layers);
-    w.top.show();
+    Desk desk;
+    LayerLog& log = desk.log;
+    Window& w = desk.w;
     QVERIFY(QTest::qWaitForWindowExposed(&w.top));
     w.box->setText(QStringLiteral("71"));
     QCOMPARE(log.shown.size(), 1);
@@ -229,11 +236,9 @@ void tst_SecondsBox::seeThroughCoverTakesTheLayerAwayToo()
 
 void tst_SecondsBox::failedLayerIsDroppedForGood()
 {
-    LayerLog log;
-    FakeLayers layers(log);
-    Window w;
-    w.box->SetLayers(&layers);
-    w.top.show();
+    Desk desk;
+    LayerLog& log = desk.log;
+    Window& w = desk.w;
     QVERIFY(QTest::qWaitForWindowExposed(&w.top));
     w.box->setText(QStringLiteral("81"));
     QCOMPARE(log.shown.size(), 1);
@@ -256,11 +261,9 @@ void tst_SecondsBox::failedLayerIsDroppedForGood()
 
 void tst_SecondsBox::hiddenBoxTakesItsLayerAway()
 {
-    LayerLog log;
-    FakeLayers layers(log);
-    Window w;
-    w.box->SetLayers(&layers);
-    w.top.show();
+    Desk desk;
+    LayerLog& log = desk.log;
+    Window& w = desk.w;
     QVERIFY(QTest::qWaitForWindowExposed(&w.top));
     w.box->setText(QStringLiteral("11"));
     QCOMPARE(log.hidden, 0);
@@ -279,11 +282,9 @@ void tst_SecondsBox::hiddenBoxTakesItsLayerAway()
 
 void tst_SecondsBox::movedBoxTakesItsLayerAlong()
 {
-    LayerLog log;
-    FakeLayers layers(log);
-    Window w;
-    w.box->SetLayers(&layers);
-    w.top.show();
+    Desk desk;
+    LayerLog& log = desk.log;
+    Window& w = desk.w;
     QVERIFY(QTest::qWaitForWindowExposed(&w.top));
     w.box->setText(QStringLiteral("21"));
     const QRect before = w.BoxInWindow();
@@ -299,11 +300,9 @@ void tst_SecondsBox::movedBoxTakesItsLayerAlong()
 
 void tst_SecondsBox::fontChangeHandsNewPictures()
 {
-    LayerLog log;
-    FakeLayers layers(log);
-    Window w;
-    w.box->SetLayers(&layers);
-    w.top.show();
+    Desk desk;
+    LayerLog& log = desk.log;
+    Window& w = desk.w;
     QVERIFY(QTest::qWaitForWindowExposed(&w.top));
     w.box->setText(QStringLiteral("31"));
     const QSize before = log.kept.at(0).size();
@@ -321,11 +320,9 @@ void tst_SecondsBox::fontChangeHandsNewPictures()
 
 void tst_SecondsBox::boxMovedToAnotherWindowGetsThatWindowsLayer()
 {
-    LayerLog log;
-    FakeLayers layers(log);
-    Window w;
-    w.box->SetLayers(&layers);
-    w.top.show();
+    Desk desk;
+    LayerLog& log = desk.log;
+    Window& w = desk.w;
     QVERIFY(QTest::qWaitForWindowExposed(&w.top));
     w.box->setText(QStringLiteral("61"));
     QCOMPARE(log.created, 1);
@@ -351,12 +348,10 @@ void tst_SecondsBox::boxMovedToAnotherWindowGetsThatWindowsLayer()
 
 void tst_SecondsBox::refusedPictureIsPaintedInstead()
 {
-    LayerLog log;
+    Desk desk;
+    LayerLog& log = desk.log;
+    Window& w = desk.w;
     log.refuse = true;
-    FakeLayers layers(log);
-    Window w;
-    w.box->SetLayers(&layers);
-    w.top.show();
     QVERIFY(QTest::qWaitForWindowExposed(&w.top));
     w.box->setText(QStringLiteral("41"));
     QCOMPARE(log.shown.size(), 0);
@@ -368,12 +363,10 @@ void tst_SecondsBox::refusedPictureIsPaintedInstead()
 
 void tst_SecondsBox::displayWithoutLayersIsAskedOnce()
 {
-    LayerLog log;
+    Desk desk;
+    LayerLog& log = desk.log;
+    Window& w = desk.w;
     log.none = true;
-    FakeLayers layers(log);
-    Window w;
-    w.box->SetLayers(&layers);
-    w.top.show();
     QVERIFY(QTest::qWaitForWindowExposed(&w.top));
     for (const char* text : {"51", "52", "53"})
         w.box->setText(QString::fromLatin1(text));
@@ -404,14 +397,13 @@ void tst_SecondsBox::withoutLayersAChangeIsCopiedIntoTheWindowAtOnce()
 
 void tst_SecondsBox::aChangeOnTheLayerIsStillAnnounced()
 {
-    LayerLog log;
-    FakeLayers layers(log);
-    Window w;
-    w.box->SetLayers(&layers);
-    w.top.show();
+    Desk desk;
+    LayerLog& log = desk.log;
+    Window& w = desk.w;
     QVERIFY(QTest::qWaitForWindowExposed(&w.top));
     QSignalSpy changes(w.box, &SecondsBox::textChanged);
     w.box->setText(QStringLiteral("42"));
+    QCOMPARE(log.shown.size(), 1);
     QCOMPARE(changes.size(), 1);
     QCOMPARE(w.box->text(), QStringLiteral("42"));
     QCOMPARE(w.box->property("text").toString(), QStringLiteral("42"));

@@ -184,8 +184,8 @@ bool SecondsBox::ShowOnLayer()
     }
     int number = m_kept.value(m_text, -1);
     if (number < 0) {
-        if (m_kept.size() >= 128)
-            ForgetPictures();
+        // Drawn() keeps both caches small: past its limit it forgets every picture, the
+        // layer's too, before this one is handed over.
         number = m_layer->Keep(Drawn(m_text));
         if (number < 0) {
             HideLayer();

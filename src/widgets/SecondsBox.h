@@ -12,7 +12,7 @@ class PictureLayers;
 
 // A display-only box that shows a short text, such as the two digits of the seconds, looking
 // like a read-only line edit. It is built for a text that changes every second all day: each
-// text is drawn once, frame and all, into a pixmap that is kept, so a change costs one copy
+// text is drawn once, frame and all, into a picture that is kept, so a change costs one copy
 // of a small picture. A line edit would shape the text anew and draw its frame through the
 // style at every change. While nothing covers the box, a change is shown without a repaint:
 // through a picture layer, where the display server keeps the pictures (X11), or else by

@@ -63,14 +63,28 @@ void AlarmDesk::SetSelectedAlarm()
 
 void AlarmDesk::CalcExpire(const QString& etime, int ptr)
 {
-    if (const auto expire = ::CalcExpire(InternetDateTimeNow(), etime)) {
+    CalcExpire(etime, ptr, InternetDateTimeNow());
+}
+
+void AlarmDesk::CalcExpire(const QString& etime, int ptr, const QDateTime& internetNow)
+{
+    if (const auto expire = ::CalcExpire(internetNow, etime)) {
         m_alarms.At(ptr).Expire = *expire;
         // A new expiry: whatever the alarm rang for before does not hold it back.
         m_alarms.At(ptr).RangFor = QDateTime();
         if (const auto minutes = IntervalMinutes(etime))
-            m_alarms.At(ptr).DueAt = InternetDateTimeNow().addSecs(qint64(*minutes) * 60).toUTC();
+            m_alarms.At(ptr).DueAt = internetNow.addSecs(qint64(*minutes) * 60).toUTC();
         emit ExpiryChanged(ptr);
     }
+}
+
+void AlarmDesk::WriteLogEntryAt(const QDateTime& internetNow, const QString& code, qint16 safety,
+                                const QString& text1, const QString& text2, const QString& text3)
+{
+    // The corrected clock is the PC's plus a whole number of minutes: the PC's date at
+    // that moment is found by taking the offset off again.
+    const QDate pcDay = internetNow.addSecs(-qint64(m_preferences.Values().InetMinOffset) * 60).date();
+    m_log.WriteLogEntryAt(pcDay, MinuteText(internetNow), code, safety, text1, text2, text3);
 }
 
 void AlarmDesk::DeleteAlarm(int ptr)

@@ -47,6 +47,15 @@ public:
     // A timer's expiry: the corrected time plus `etime`. A time that cannot be read leaves
     // the expiry as it was.
     void CalcExpire(const QString& etime, int ptr);
+    // The same, counted from `internetNow`, a moment of the corrected clock read before.
+    void CalcExpire(const QString& etime, int ptr, const QDateTime& internetNow);
+    // Writes a log entry stamped with `internetNow`, a moment of the corrected clock read
+    // before: its minute, on the PC's date at that moment. An answer reads the clock once
+    // and uses that moment for the new expiry, the entry and the position, so the entry
+    // never says "reset at 16:51, expires at 17:00" for a ten-minute check when the answer
+    // came at the last instant of 16:50.
+    void WriteLogEntryAt(const QDateTime& internetNow, const QString& code, qint16 safety,
+                         const QString& text1, const QString& text2, const QString& text3);
     // Removes alarm `ptr`; the later alarms move down one slot.
     void DeleteAlarm(int ptr);
 

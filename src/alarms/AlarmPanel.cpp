@@ -319,6 +319,8 @@ void AlarmPanel::cmdSet_Click()
                 m_edtExpire->setFocus();
                 return;
             }
+            // One reading of the clock: a timer's expiry and the entry name the same minute.
+            const QDateTime setAt = m_desk.InternetDateTimeNow();
             a.AlarmSet = true;
             a.RangFor = QDateTime(); // armed anew: it rings at this time even if it rang there before
             a.DueAt = QDateTime();   // a timer's moment is set below, a clock time has none
@@ -327,12 +329,12 @@ void AlarmPanel::cmdSet_Click()
                 m_lstAlarms->SetRowExpires(RowTag(n), m_edtExpire->Text());
             } else {
                 a.Interval = TimeText(m_edtExpire->Text());
-                m_desk.CalcExpire(m_edtExpire->Text(), n);
+                m_desk.CalcExpire(m_edtExpire->Text(), n, setAt);
             }
             m_cmdSet->setText(QStringLiteral(" Cancel Alarm"));
-            m_desk.Log().WriteLogEntry(QStringLiteral("SA"), SafetyFlag(a),
-                                       QString::fromUtf16(AlarmLogText::Set), a.Message,
-                                       AlarmLogText::ExpiresAt(a.Expire));
+            m_desk.WriteLogEntryAt(setAt, QStringLiteral("SA"), SafetyFlag(a),
+                                   QString::fromUtf16(AlarmLogText::Set), a.Message,
+                                   AlarmLogText::ExpiresAt(a.Expire));
         }
         m_desk.RefreshAlarmList();
         SetSelectedAlarm();

@@ -5,7 +5,7 @@
 #include "alarms/AlarmSound.h"
 #include "alarms/AlarmWindows.h"
 #include "clock/TimeText.h"
-#include "logbook/LogBook.h"
+#include "clock/ZoneClock.h"
 #include "widgets/Icons.h"
 #include "widgets/MessageBox.h"
 #include "widgets/TopMost.h"
@@ -246,21 +246,23 @@ void frmAlarm::cmdReset_Click()
         return; // the window stays until the operator answers it
     }
     m_tmrFlash.stop();
+    m_answeredAt = m_desk.InternetDateTimeNow();
     a->AlarmSet = true;
     a->Ringing = false;
     if (a->TypeTimer)
-        m_desk.CalcExpire(a->Interval, ExpirePtr());
+        m_desk.CalcExpire(a->Interval, ExpirePtr(), m_answeredAt);
     QString detail = AlarmLogText::ExpiresAt(a->Expire);
     if (a->Safety == 1)
         detail += QStringLiteral(", ") + m_txtLocation->text();
-    m_desk.Log().WriteLogEntry(QStringLiteral("SA"), SafetyFlag(*a), QString::fromUtf16(AlarmLogText::Reset),
-                               a->Message, detail);
+    m_desk.WriteLogEntryAt(m_answeredAt, QStringLiteral("SA"), SafetyFlag(*a),
+                           QString::fromUtf16(AlarmLogText::Reset), a->Message, detail);
     Answered();
 }
 
 void frmAlarm::cmdStop_Click()
 {
     m_tmrFlash.stop();
+    m_answeredAt = m_desk.InternetDateTimeNow();
     if (AlarmRecord* a = Record()) {
         // The entry names this window's own alarm, whatever moves into its slot after it.
         const AlarmRecord stopped = *a;
@@ -269,10 +271,10 @@ void frmAlarm::cmdStop_Click()
             a->AlarmSet = false;
         else
             m_desk.DeleteAlarm(ExpirePtr());
-        m_desk.Log().WriteLogEntry(QStringLiteral("SA"), SafetyFlag(stopped),
-                                   QString::fromUtf16(AlarmLogText::Terminated), stopped.Message,
-                                   stopped.Safety == 1 ? QString(QStringLiteral(", ") + m_txtLocation->text())
-                                                       : QString());
+        m_desk.WriteLogEntryAt(m_answeredAt, QStringLiteral("SA"), SafetyFlag(stopped),
+                               QString::fromUtf16(AlarmLogText::Terminated), stopped.Message,
+                               stopped.Safety == 1 ? QString(QStringLiteral(", ") + m_txtLocation->text())
+                                                   : QString());
     }
     Answered();
 }
@@ -330,7 +332,9 @@ void frmAlarm::closeEvent(QCloseEvent* event)
         // has no record left to write to.
         if (AlarmRecord* a = Record()) {
             if (a->Safety == 1)
-                a->LastPosition = m_desk.InternetNow() + u' ' + m_txtLocation->text();
+                a->LastPosition =
+                    MinuteText(m_answeredAt.isValid() ? m_answeredAt : m_desk.InternetDateTimeNow()) + u' ' +
+                    m_txtLocation->text();
             // Closed unanswered (the program stops): still set, but no window rings for it.
             a->Ringing = false;
         }

@@ -61,6 +61,9 @@ private:
     QDateTime m_checkInStarted;
     bool m_checkIn;
     bool m_answered = false;
+    // The moment of the corrected clock the operator answered: the entry, the new expiry
+    // and the position recorded when the window closes all name its minute.
+    QDateTime m_answeredAt;
     bool m_blinkPhase = false;
     bool m_closed = false;
     QLabel* m_lblCaption;

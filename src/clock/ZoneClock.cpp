@@ -31,9 +31,14 @@ QDateTime InternetDateTime(const QDateTime& now, int inetMinOffset)
     return now.addSecs(qint64(inetMinOffset) * 60);
 }
 
+QString MinuteText(const QDateTime& at)
+{
+    return at.toString(QStringLiteral("HH:mm"));
+}
+
 QString InternetNow(const Clock& clock, int inetMinOffset)
 {
-    return InternetDateTime(clock.Now(), inetMinOffset).toString(QStringLiteral("HH:mm"));
+    return MinuteText(InternetDateTime(clock.Now(), inetMinOffset));
 }
 
 std::optional<QString> ZoneFaceTime(QTime internetNow, int face, int localZone, std::span<const int> offsets,

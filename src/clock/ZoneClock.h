@@ -45,6 +45,8 @@ QDateTime InternetDateTime(const QDateTime& now, int inetMinOffset);
 // clock jumping forward.
 QDateTime WallMinute(const QDateTime& local);
 
+// The time of day of `at` as "hh:nn" (seconds dropped), as the log and the alarms show it.
+QString MinuteText(const QDateTime& at);
 // The corrected time of day as "hh:nn" (seconds dropped).
 QString InternetNow(const Clock& clock, int inetMinOffset);
 

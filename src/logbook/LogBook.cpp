@@ -161,14 +161,24 @@ std::optional<QString> LogBook::WriteLogEntry(const QString& code, qint16 safety
                                               const QString& text2, const QString& text3, const QString& time,
                                               const LogSwitches& switches)
 {
-    if (!ShouldLog(safety, switches))
+    return Write(LogEntry{m_clock.Today(), time, code, safety, text1, text2, text3}, switches);
+}
+
+void LogBook::WriteLogEntryAt(QDate day, const QString& time, const QString& code, qint16 safety,
+                              const QString& text1, const QString& text2, const QString& text3)
+{
+    Write(LogEntry{day, time, code, safety, text1, text2, text3}, m_switches);
+}
+
+std::optional<QString> LogBook::Write(const LogEntry& entry, const LogSwitches& switches)
+{
+    if (!ShouldLog(entry.LogSafety, switches))
         return std::nullopt;
     const QString fixedText = QStringLiteral("Error writing to the logbook");
     if (!m_today.isOpen())
         return Report(ErrorText(fixedText, int(QFileDevice::WriteError),
                                 QStringLiteral("The logbook file is not open")));
 
-    const LogEntry entry{m_clock.Today(), time, code, safety, text1, text2, text3};
     QByteArray line = FormatLogLine(entry, m_locale);
     // A file that ends in the middle of a line (cut short by a crash) gets the entry on a
     // line of its own.

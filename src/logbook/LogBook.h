@@ -103,6 +103,12 @@ public:
     std::optional<QString> WriteLogEntry(const QString& code, qint16 safety, const QString& text1,
                                          const QString& text2, const QString& text3, const QString& time,
                                          const LogSwitches& switches);
+    // Writes one entry stamped with a moment read before: the PC's date `day` and the
+    // time `time` as the program shows it, under the book's switches. Used when that moment
+    // also went into what the entry says (an expiry counted from it), so the stamp and the
+    // text cannot name two different minutes.
+    void WriteLogEntryAt(QDate day, const QString& time, const QString& code, qint16 safety,
+                         const QString& text1, const QString& text2, const QString& text3);
 
     // Opens the given day's file for reading. `found` tells whether the file exists; a
     // missing file is not an error. Returns the message to show when an existing file
@@ -127,6 +133,7 @@ signals:
 
 private:
     std::optional<QString> Report(std::optional<QString> error);
+    std::optional<QString> Write(const LogEntry& entry, const LogSwitches& switches);
     // Whether the file at `path` is empty or ends with a whole line.
     static bool EndsWithNewLine(const QString& path);
 

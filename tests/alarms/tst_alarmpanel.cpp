@@ -189,6 +189,23 @@ private slots:
             Owners::Line("23:30", "SA", 0, "Alarm set for ", "Night patrol", ", expires at 00:15")));
     }
 
+    void timerSetAtTheLastInstantOfAMinuteLogsTheMinuteItCountsFrom()
+    {
+        // The clock moves on a second at every reading once Set is pressed at 10:21:59: the
+        // entry and the expiry count from the same reading.
+        Panel p;
+        const int n = p.Add(QStringLiteral("Pump check"), QStringLiteral("0015"), true, false);
+        p.desk.clock.Set(Owners::Monday, QTime(10, 21, 59));
+        p.desk.clock.StepEachRead(1000);
+        QTest::mouseClick(p.Button("cmdSet"), Qt::LeftButton);
+        p.desk.clock.StepEachRead(0);
+        QVERIFY(p.Alarm(n).AlarmSet);
+        QCOMPARE(p.Alarm(n).Expire, QStringLiteral("10:36"));
+        QVERIFY2(p.desk.TodaysLog().endsWith(
+                     Owners::Line("10:21", "SA", 0, "Alarm set for ", "Pump check", ", expires at 10:36")),
+                 p.desk.TodaysLog().right(120).constData());
+    }
+
     void deletingAlarmTwoOfFourMovesTheOthersUp()
     {
         Panel p;

@@ -194,6 +194,58 @@ private slots:
                  QStringLiteral("10:07 Ridge road km 12"));
     }
 
+    void anAnswerAtTheLastInstantOfAMinuteNamesThatMinuteThroughout()
+    {
+        // The operator answers at 10:21:59 and the clock moves on a second at every reading
+        // after that: the entry, the new expiry, the moment the timer falls due and the
+        // position all count from the one reading of the answer.
+        Ringing r(SafetyTimer);
+        r.In<QLineEdit>(1, "txtLocation")->setText(QStringLiteral("Ridge road km 12"));
+        r.desk.clock.Set(Owners::Monday, QTime(10, 21, 59));
+        r.desk.clock.StepEachRead(1000);
+        r.Window(1)->cmdReset_Click();
+        QTRY_VERIFY(!r.Window(1));
+        r.desk.clock.StepEachRead(0);
+        const AlarmRecord& a = r.desk.Alarms().At(1);
+        QVERIFY2(r.desk.TodaysLog().endsWith(Owners::Line("10:21", "SA", 1, "Alarm acknowleged, reset for ",
+                                                          "Crew 7", ", expires at 10:36, Ridge road km 12")),
+                 r.desk.TodaysLog().right(120).constData());
+        QCOMPARE(a.Expire, QStringLiteral("10:36"));
+        QCOMPARE(a.DueAt, QDateTime(Owners::Monday, QTime(10, 36, 59)).toUTC());
+        QCOMPARE(a.LastPosition, QStringLiteral("10:21 Ridge road km 12"));
+    }
+
+    void anAnswerAtTheLastInstantOfTheDayIsDatedThatDay()
+    {
+        Ringing r(SafetyTimer);
+        r.In<QLineEdit>(1, "txtLocation")->setText(QStringLiteral("Base"));
+        r.desk.clock.Set(Owners::Monday, QTime(23, 59, 59));
+        r.desk.clock.StepEachRead(1000);
+        r.Window(1)->cmdReset_Click();
+        QTRY_VERIFY(!r.Window(1));
+        r.desk.clock.StepEachRead(0);
+        // The file of the open day, Monday's: the clock has gone on into Tuesday.
+        const QByteArray log = TestEnvironment::ReadFile(r.desk.LogPath(Owners::Monday));
+        QVERIFY2(log.endsWith(Owners::Line("23:59", "SA", 1, "Alarm acknowleged, reset for ", "Crew 7",
+                                           ", expires at 00:14, Base", "11/16/2026")),
+                 log.right(120).constData());
+    }
+
+    void aStopAtTheLastInstantOfAMinuteRecordsThePositionAtThatMinute()
+    {
+        Ringing r(SafetyTimer);
+        r.In<QLineEdit>(1, "txtLocation")->setText(QStringLiteral("Base"));
+        r.desk.clock.Set(Owners::Monday, QTime(10, 21, 59));
+        r.desk.clock.StepEachRead(1000);
+        r.Window(1)->cmdStop_Click();
+        QTRY_VERIFY(!r.Window(1));
+        r.desk.clock.StepEachRead(0);
+        QVERIFY2(r.desk.TodaysLog().endsWith(Owners::Line(
+                     "10:21", "SA", 1, "Alarm acknowledged, terminated for  ", "Crew 7", ", Base")),
+                 r.desk.TodaysLog().right(120).constData());
+        QCOMPARE(r.desk.Alarms().At(1).LastPosition, QStringLiteral("10:21 Base"));
+    }
+
     void retainedClockAlarmResetRingsAgainNextDay()
     {
         Ringing r(RetainedClock, QTime(7, 0));

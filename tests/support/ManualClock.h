@@ -11,7 +11,9 @@ public:
     QDateTime Now() const override
     {
         ++m_nowReads;
-        return m_now;
+        const QDateTime now = m_now;
+        m_now = m_now.addMSecs(m_stepEachRead);
+        return now;
     }
     qint64 MSecsSinceEpoch() const override { return m_now.toMSecsSinceEpoch(); }
     // How often the local date and time were asked for.
@@ -20,8 +22,12 @@ public:
     void Set(QDate date, QTime time) { m_now = QDateTime(date, time); }
     void AdvanceSecs(qint64 seconds) { m_now = m_now.addSecs(seconds); }
     void AdvanceMSecs(qint64 msecs) { m_now = m_now.addMSecs(msecs); }
+    // From now on each reading of the date and time moves the clock on by `msecs`: a clock
+    // that turns while the code under test is at work, for code that must read it once.
+    void StepEachRead(qint64 msecs) { m_stepEachRead = msecs; }
 
 private:
-    QDateTime m_now;
+    mutable QDateTime m_now;
+    qint64 m_stepEachRead = 0;
     mutable int m_nowReads = 0;
 };

@@ -11,5 +11,6 @@ PlatformServices NullPlatformServices()
     services.dialUp = std::make_unique<NullDialUpState>();
     services.notifier = std::make_unique<NullDesktopNotifier>();
     services.pictureLayers = std::make_unique<NullPictureLayers>();
+    services.halfTick = std::make_unique<NullHalfTickWatch>();
     return services;
 }

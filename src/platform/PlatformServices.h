@@ -4,6 +4,7 @@
 #include "platform/ClockSetter.h"
 #include "platform/DesktopNotifier.h"
 #include "platform/DialUpState.h"
+#include "platform/HalfTickWatch.h"
 #include "platform/PictureLayer.h"
 #include "platform/StartAtLogin.h"
 #include "platform/SuspendWatch.h"
@@ -22,6 +23,7 @@ struct PlatformServices
     std::unique_ptr<DialUpState> dialUp;
     std::unique_ptr<DesktopNotifier> notifier;
     std::unique_ptr<PictureLayers> pictureLayers;
+    std::unique_ptr<HalfTickWatch> halfTick;
 };
 
 // Settings of the connection to the display that must be made before the application object

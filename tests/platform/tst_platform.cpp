@@ -89,6 +89,14 @@ private slots:
         QVERIFY(services.startAtLogin);
         QVERIFY(services.dialUp);
         QVERIFY(services.notifier);
+        QVERIFY(services.halfTick);
+    }
+
+    void nullHalfTickWatchNeverStarts()
+    {
+        NullHalfTickWatch watch;
+        QVERIFY(!watch.Start([](qint64) { return true; }));
+        watch.Stop();
     }
 
     void fakeClockSetterRecordsEachRequestAndAnswersAsSet()

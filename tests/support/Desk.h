@@ -46,11 +46,13 @@ struct Desk : DeskFiles
         services.startAtLogin = std::make_unique<FakeStartAtLogin>();
         services.dialUp = std::make_unique<FakeDialUpState>();
         services.notifier = std::make_unique<FakeDesktopNotifier>();
+        services.halfTick = std::make_unique<FakeHalfTickWatch>();
         return services;
     }
 
     FakeClockSetter& Setter() const { return static_cast<FakeClockSetter&>(*platform.clockSetter); }
     FakeDialUpState& DialUp() const { return static_cast<FakeDialUpState&>(*platform.dialUp); }
+    FakeHalfTickWatch& HalfTick() const { return static_cast<FakeHalfTickWatch&>(*platform.halfTick); }
 
     // The owners inside the main window.
     AlarmTable& Alarms() const { return window->Alarms().Table(); }

@@ -4,6 +4,7 @@
 #include "platform/ClockSetter.h"
 #include "platform/DesktopNotifier.h"
 #include "platform/DialUpState.h"
+#include "platform/HalfTickWatch.h"
 #include "platform/StartAtLogin.h"
 #include "platform/SuspendWatch.h"
 
@@ -66,6 +67,30 @@ class FakeClockChangeWatch final : public ClockChangeWatch
 public:
     explicit FakeClockChangeWatch(QObject* parent = nullptr) : ClockChangeWatch(parent) {}
     void Emit() { emit ClockChanged(); }
+};
+
+// Keeps the test it is started with, for the test to ask as the watch's thread would, and
+// emits Due() when the test calls Emit. Starts unless Startable is false.
+class FakeHalfTickWatch final : public HalfTickWatch
+{
+public:
+    explicit FakeHalfTickWatch(QObject* parent = nullptr) : HalfTickWatch(parent) {}
+    bool Start(ChangedTest changed) override
+    {
+        if (!Startable)
+            return false;
+        Changed = std::move(changed);
+        return true;
+    }
+    void Stop() override
+    {
+        Changed = nullptr;
+        ++Stops;
+    }
+    void Emit() { emit Due(); }
+    bool Startable = true;
+    ChangedTest Changed;
+    int Stops = 0;
 };
 
 // Records the alarm counts it is given and the SuspendHandled calls; signals sleep and wake

@@ -4,6 +4,7 @@
 #include "platform/linux/ClockSetter.h"
 #include "platform/linux/DesktopNotifier.h"
 #include "platform/linux/DialUpState.h"
+#include "platform/linux/HalfTickWatch.h"
 #include "platform/linux/StartAtLogin.h"
 #include "platform/linux/SuspendWatch.h"
 
@@ -32,7 +33,8 @@ void PrepareDisplay()
 // Every service as Linux gives it: the window flash and the seconds box's picture layer
 // through X11, the clock set through clock_settime or timedated, its changes heard through a
 // timerfd, sleep through logind, a dial-up link found through NetworkManager, notices through
-// the desktop's notification service, and the start at login through an XDG autostart entry.
+// the desktop's notification service, the start at login through an XDG autostart entry, and
+// the quiet half of the main tick on a thread of its own.
 PlatformServices CreatePlatformServices()
 {
     PlatformServices services = NullPlatformServices();
@@ -43,6 +45,7 @@ PlatformServices CreatePlatformServices()
     services.suspend = std::make_unique<LinuxSuspendWatch>();
     services.notifier = std::make_unique<LinuxDesktopNotifier>();
     services.dialUp = std::make_unique<LinuxDialUpState>();
+    services.halfTick = std::make_unique<LinuxHalfTickWatch>();
     // The autostart entry launches this very program, wherever it was started from.
     services.startAtLogin = std::make_unique<LinuxStartAtLogin>(
         QCoreApplication::applicationFilePath(),

@@ -88,10 +88,17 @@ frmMain::frmMain(const MainServices& services, QWidget* parent)
         tmrMain_Timer();
         KeepTickInPhase();
     });
+    // The .500 half of the tick, when the watch found something to do (the clock was set).
+    connect(m_platform.halfTick.get(), &HalfTickWatch::Due, this, [this] {
+        if (m_loaded && !m_stopped)
+            tmrMain_Timer();
+    });
 }
 
 frmMain::~frmMain()
 {
+    // The watch's thread asks this window; it ends before the window does.
+    m_platform.halfTick->Stop();
     // The panels and windows refer to the owners: they go first.
     m_scheduler.reset();
     m_clockProps.reset();

@@ -10,6 +10,7 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <atomic>
 #include <functional>
 #include <limits>
 #include <memory>
@@ -113,9 +114,16 @@ public:
     // The notice of a failed sync, while it is open.
     frmMessage* SyncMessage() const;
     bool IsStopped() const { return m_stopped; }
-    // Milliseconds from `msecs` (since the epoch, or since midnight) to the next .000 or .500
-    // of a second.
-    static int MsecToNextHalfSecond(qint64 msecs);
+    // Milliseconds from `msecs` (since the epoch, or since midnight) to the next multiple of
+    // `periodMsec`: the next .000 or .500 of a second for 500, the next .000 for 1000.
+    static int MsecToNextTick(qint64 msecs, int periodMsec);
+    // Whether a tick at `msecs` (the wall clock, since the epoch) would change anything: a
+    // second not shown yet, or a minute whose work is not done. Safe to call from any thread:
+    // the half-tick watch asks it at .500 of each second on its own.
+    bool TickChangesAnything(qint64 msecs) const;
+    // The period of the main tick's timer: 500 ms, or 1000 ms (at .000) while the half-tick
+    // watch takes the .500 half.
+    int TickPeriodMsec() const { return m_tickMsec; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -171,9 +179,11 @@ private:
     // What the tick knows without reading the local time: the local zone's offset from UTC in
     // seconds (read at each minute's work), the local second shown in the seconds box, and the
     // local minute (both counted from the epoch) the tick last did the minute's work in.
-    int m_localOffsetSecs = 0;
-    qint64 m_shownSecond = std::numeric_limits<qint64>::min();
-    qint64 m_minuteSeen = std::numeric_limits<qint64>::min();
+    // Atomic: the half-tick watch reads them on its own thread.
+    std::atomic<int> m_localOffsetSecs{0};
+    std::atomic<qint64> m_shownSecond{std::numeric_limits<qint64>::min()};
+    std::atomic<qint64> m_minuteSeen{std::numeric_limits<qint64>::min()};
+    int m_tickMsec = 500;
     // Makes the next tick do the minute's work even within the same minute.
     void ForgetMinuteSeen() { m_minuteSeen = std::numeric_limits<qint64>::min(); }
 

@@ -10,6 +10,7 @@
 #include "logbook/LogBook.h"
 #include "logbook/LogPanel.h"
 #include "logbook/LogViewer.h"
+#include "platform/PlatformServices.h"
 #include "settings/Preferences.h"
 #include "settings/SettingsStore.h"
 #include "shell/ClockPanel.h"
@@ -169,6 +170,11 @@ bool frmMain::Load()
         SetTimes();
 
         step = 29;
+        // Where the system has a half-tick watch, it takes the .500 half of the tick, which
+        // changes nothing unless the clock was set, and the timer runs at .000 alone.
+        m_tickMsec = m_platform.halfTick->Start([this](qint64 msecs) { return TickChangesAnything(msecs); })
+                         ? 1000
+                         : 500;
         ArmTick();
         return true;
     } catch (const std::exception& e) {
@@ -200,9 +206,15 @@ const QString& TwoDigits(int n)
 
 } // namespace
 
-int frmMain::MsecToNextHalfSecond(qint64 msecs)
+int frmMain::MsecToNextTick(qint64 msecs, int periodMsec)
 {
-    return int(500 - (msecs - FloorDiv(msecs, 500) * 500));
+    return int(periodMsec - (msecs - FloorDiv(msecs, periodMsec) * periodMsec));
+}
+
+bool frmMain::TickChangesAnything(qint64 msecs) const
+{
+    const qint64 localSecond = FloorDiv(msecs, 1000) + m_localOffsetSecs;
+    return localSecond != m_shownSecond || FloorDiv(localSecond, 60) != m_minuteSeen;
 }
 
 void frmMain::ArmTick()
@@ -210,27 +222,27 @@ void frmMain::ArmTick()
     if (m_stopped)
         return;
     m_tmrMain.setSingleShot(true);
-    m_tmrMain.start(MsecToNextHalfSecond(m_clock.MSecsSinceEpoch()));
+    m_tmrMain.start(MsecToNextTick(m_clock.MSecsSinceEpoch(), m_tickMsec));
 }
 
 void frmMain::KeepTickInPhase()
 {
     if (m_stopped)
         return;
-    // Once in phase the tick repeats every 500 ms by itself (a precise timer keeps to its
+    // Once in phase the tick repeats every period by itself (a precise timer keeps to its
     // schedule on the steady clock), so a tick costs no re-arming. It is put back in phase
-    // when it falls more than a little after .000 or .500 of the wall clock, or at all before
-    // it: after a stall, or as the wall clock is slewed against the steady one. A tick just
-    // before the second would show the second that is ending.
+    // when it falls more than a little after .000 (or .500) of the wall clock, or at all
+    // before it: after a stall, or as the wall clock is slewed against the steady one. A tick
+    // just before the second would show the second that is ending.
     constexpr int SlackMsec = 10;
-    const int late = 500 - MsecToNextHalfSecond(m_clock.MSecsSinceEpoch());
+    const int late = m_tickMsec - MsecToNextTick(m_clock.MSecsSinceEpoch(), m_tickMsec);
     if (late > SlackMsec) {
         ArmTick();
         return;
     }
     if (m_tmrMain.isSingleShot()) {
         m_tmrMain.setSingleShot(false);
-        m_tmrMain.start(500);
+        m_tmrMain.start(m_tickMsec);
     }
 }
 
@@ -419,6 +431,7 @@ void frmMain::StopProgram()
     m_stopped = true;
     m_alarms->Stop();
     m_tmrMain.stop();
+    m_platform.halfTick->Stop();
 
     // The logging switches are the writer's; every other value is kept by the preferences.
     Settings values = m_preferences->Values();

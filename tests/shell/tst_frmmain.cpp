@@ -910,12 +910,15 @@ private slots:
 
     void tickStaysInPhaseWithTheWallClock()
     {
-        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 0).msecsSinceStartOfDay()), 500);
-        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 1).msecsSinceStartOfDay()), 499);
-        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 499).msecsSinceStartOfDay()), 1);
-        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 500).msecsSinceStartOfDay()), 500);
-        QCOMPARE(frmMain::MsecToNextHalfSecond(QTime(10, 0, 0, 750).msecsSinceStartOfDay()), 250);
-        Desk desk;
+        QCOMPARE(frmMain::MsecToNextTick(QTime(10, 0, 0, 0).msecsSinceStartOfDay(), 500), 500);
+        QCOMPARE(frmMain::MsecToNextTick(QTime(10, 0, 0, 1).msecsSinceStartOfDay(), 500), 499);
+        QCOMPARE(frmMain::MsecToNextTick(QTime(10, 0, 0, 499).msecsSinceStartOfDay(), 500), 1);
+        QCOMPARE(frmMain::MsecToNextTick(QTime(10, 0, 0, 500).msecsSinceStartOfDay(), 500), 500);
+        QCOMPARE(frmMain::MsecToNextTick(QTime(10, 0, 0, 750).msecsSinceStartOfDay(), 500), 250);
+        // Without a half-tick watch the timer runs both halves of the tick.
+        Desk desk({}, true, [](PlatformServices& p) {
+            static_cast<FakeHalfTickWatch&>(*p.halfTick).Startable = false;
+        });
         desk.clock.Set(Monday, QTime(10, 0, 17, 250));
         QVERIFY(desk.window->Load());
         auto* timer = desk.window->findChild<QTimer*>(QStringLiteral("tmrMain"));
@@ -945,6 +948,68 @@ private slots:
         desk.window->KeepTickInPhase();
         QVERIFY(timer->isSingleShot());
         QCOMPARE(timer->interval(), 4);
+    }
+
+    void withAHalfTickWatchTheTimerRunsAtTheWholeSecondAlone()
+    {
+        QCOMPARE(frmMain::MsecToNextTick(QTime(10, 0, 0, 0).msecsSinceStartOfDay(), 1000), 1000);
+        QCOMPARE(frmMain::MsecToNextTick(QTime(10, 0, 0, 500).msecsSinceStartOfDay(), 1000), 500);
+        QCOMPARE(frmMain::MsecToNextTick(QTime(10, 0, 0, 999).msecsSinceStartOfDay(), 1000), 1);
+        Desk desk;
+        desk.clock.Set(Monday, QTime(10, 0, 17, 250));
+        QVERIFY(desk.window->Load());
+        QVERIFY(desk.HalfTick().Changed);
+        QCOMPARE(desk.window->TickPeriodMsec(), 1000);
+        auto* timer = desk.window->findChild<QTimer*>(QStringLiteral("tmrMain"));
+        QVERIFY(timer && timer->isActive());
+        QVERIFY(timer->isSingleShot());
+        QCOMPARE(timer->interval(), 750);
+        // Fired in phase at .000: from now on it repeats every second by itself.
+        desk.clock.Set(Monday, QTime(10, 0, 18, 1));
+        desk.window->tmrMain_Timer();
+        desk.window->KeepTickInPhase();
+        QVERIFY(!timer->isSingleShot());
+        QCOMPARE(timer->interval(), 1000);
+        // Fallen behind: armed for the next whole second, once.
+        desk.clock.Set(Monday, QTime(10, 0, 19, 640));
+        desk.window->KeepTickInPhase();
+        QVERIFY(timer->isSingleShot());
+        QCOMPARE(timer->interval(), 360);
+        // The program stops: so does the watch, and its thread no longer asks the window.
+        desk.window->StopProgram();
+        QVERIFY(desk.HalfTick().Stops > 0);
+        QVERIFY(!desk.HalfTick().Changed);
+    }
+
+    void theHalfTickFindsNothingToDoUntilTheClockIsSet()
+    {
+        Desk desk;
+        desk.clock.Set(Monday, QTime(10, 0, 17, 0));
+        QVERIFY(desk.window->Load());
+        const auto changed = desk.HalfTick().Changed;
+        QVERIFY(changed);
+        const auto at = [](QTime t) { return QDateTime(Monday, t).toMSecsSinceEpoch(); };
+        auto* seconds = desk.Find<SecondsBox>(QStringLiteral("txtSeconds"));
+        desk.window->tmrMain_Timer();
+        QCOMPARE(seconds->text(), QStringLiteral("17"));
+        // At .500 of the second shown, in the minute already handled: nothing to do.
+        QVERIFY(!changed(at(QTime(10, 0, 17, 500))));
+        QVERIFY(!changed(at(QTime(10, 0, 17, 999))));
+        // The clock was set on by a second, or back by one, meanwhile: the tick has work.
+        QVERIFY(changed(at(QTime(10, 0, 18, 500))));
+        QVERIFY(changed(at(QTime(10, 0, 16, 500))));
+        // Set across a minute: the seconds shown could match, the minute does not.
+        QVERIFY(changed(at(QTime(10, 1, 17, 500))));
+        // The watch reports it; the tick then shows the new second at once.
+        desk.clock.Set(Monday, QTime(10, 0, 40, 500));
+        desk.HalfTick().Emit();
+        QCOMPARE(seconds->text(), QStringLiteral("40"));
+        QVERIFY(!changed(at(QTime(10, 0, 40, 600))));
+        // Stopped, the program ignores a report still on its way.
+        desk.window->StopProgram();
+        desk.clock.Set(Monday, QTime(10, 0, 45, 500));
+        desk.HalfTick().Emit();
+        QCOMPARE(seconds->text(), QStringLiteral("40"));
     }
 };
 

@@ -22,6 +22,12 @@ QDateTime AlarmDesk::InternetDateTimeNow() const
     return InternetDateTime(m_clock.Now(), m_preferences.Values().InetMinOffset);
 }
 
+LogBook::Stamp AlarmDesk::StampNow() const
+{
+    const QDateTime pcNow = m_clock.Now();
+    return {pcNow.date(), MinuteText(InternetDateTime(pcNow, m_preferences.Values().InetMinOffset))};
+}
+
 QString AlarmDesk::InternetNow() const
 {
     return ::InternetNow(m_clock, m_preferences.Values().InetMinOffset);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "alarms/AlarmTable.h"
+#include "logbook/LogBook.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -9,7 +10,6 @@
 #include <optional>
 
 class Clock;
-class LogBook;
 class Preferences;
 class SettingsStore;
 struct SettingsError;
@@ -32,6 +32,9 @@ public:
     // The corrected clock that alarms are set and compared by.
     QDateTime InternetDateTimeNow() const;
     QString InternetNow() const;
+    // The stamp of a log entry made now: the PC's date and the corrected minute, from one
+    // reading of the clock.
+    LogBook::Stamp StampNow() const;
     // The wall-clock minute of the corrected clock (see WallMinute).
     QDateTime WallMinuteNow() const;
 

@@ -154,7 +154,8 @@ bool LogBook::IsTodaysLogOpen() const
 void LogBook::WriteLogEntry(const QString& code, qint16 safety, const QString& text1, const QString& text2,
                             const QString& text3)
 {
-    WriteLogEntry(code, safety, text1, text2, text3, m_now ? m_now() : QString(), m_switches);
+    const Stamp stamp = m_now ? m_now() : Stamp{m_clock.Today(), QString()};
+    WriteLogEntryAt(stamp.Day, stamp.Time, code, safety, text1, text2, text3);
 }
 
 std::optional<QString> LogBook::WriteLogEntry(const QString& code, qint16 safety, const QString& text1,

@@ -75,8 +75,14 @@ class LogBook : public QObject
 {
     Q_OBJECT
 public:
-    // The corrected time of day ("hh:mm") stamped on each entry.
-    using TimeSource = std::function<QString()>;
+    // The moment stamped on an entry, from one reading of the clock: the PC's date and the
+    // corrected time of day ("hh:mm"). Read once, so that the two never straddle a midnight.
+    struct Stamp
+    {
+        QDate Day;
+        QString Time;
+    };
+    using TimeSource = std::function<Stamp()>;
 
     LogBook(QString folder, const Clock& clock, QLocale locale, QObject* parent = nullptr);
     ~LogBook() override;

@@ -66,7 +66,7 @@ frmMain::frmMain(const MainServices& services, QWidget* parent)
     setObjectName(QStringLiteral("frmMain"));
     setWindowIcon(AppIcon());
     // Entries carry the corrected time of day.
-    m_log->SetTimeSource([this]() -> QString { return InternetNow(); });
+    m_log->SetTimeSource([this] { return m_alarms->StampNow(); });
     auto makeQuery = services.makeTimeQuery;
     if (!makeQuery)
         makeQuery = [&clock = services.clock](QObject* owner) -> std::unique_ptr<TimeQuery> {

@@ -23,7 +23,7 @@ struct Fixture
           log(env.LogFolder(), clock, EnUs), desk(store, log, clock, preferences)
     {
         log.SetSwitches({true, false});
-        log.SetTimeSource([this]() -> QString { return desk.InternetNow(); });
+        log.SetTimeSource([this] { return desk.StampNow(); });
         log.OpenTodaysLog();
     }
     QByteArray TodaysLog() const
@@ -45,6 +45,21 @@ class TestAlarmDesk : public QObject
 {
     Q_OBJECT
 private slots:
+    void anEntryAtTheLastInstantOfTheDayIsDatedThatDay()
+    {
+        // The clock moves on a second at every reading: the date and the time of the entry
+        // come from one reading, not from either side of midnight.
+        Fixture f;
+        f.clock.Set(Monday, QTime(23, 59, 59));
+        f.clock.StepEachRead(1000);
+        f.log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("Last note"), QString(), QString());
+        f.clock.StepEachRead(0);
+        const QByteArray log =
+            TestEnvironment::ReadFile(QDir(f.env.LogFolder()).filePath(LogFileName(Monday)));
+        QVERIFY2(log.endsWith("\"11/16/2026\",\"23:59\",\"NT\",0,\"Last note\",\"\",\"\"\r\n"),
+                 log.constData());
+    }
+
     void alarmsDueInTheSameMinuteComeLowestFirst()
     {
         Fixture f;

@@ -233,7 +233,7 @@ private slots:
         TestEnvironment env;
         ManualClock clock;
         LogBook log(env.LogFolder(), clock, EnUs);
-        log.SetTimeSource([] { return QStringLiteral("10:42"); });
+        log.SetTimeSource([&clock] { return LogBook::Stamp{clock.Today(), QStringLiteral("10:42")}; });
         QVERIFY(!log.OpenTodaysLog());
         // The switches start off: nothing is written.
         log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("a"), QString(), QString());
@@ -255,7 +255,7 @@ private slots:
         TestEnvironment::WriteFile(env.LogFolder(), "not a folder");
         LogBook log(env.LogFolder(), clock, EnUs);
         log.SetSwitches(AllEvents);
-        log.SetTimeSource([] { return QStringLiteral("10:00"); });
+        log.SetTimeSource([&clock] { return LogBook::Stamp{clock.Today(), QStringLiteral("10:00")}; });
         QSignalSpy failed(&log, &LogBook::Failed);
         QVERIFY(log.OpenTodaysLog());
         QCOMPARE(failed.size(), 1);
@@ -283,7 +283,7 @@ private slots:
         ManualClock clock;
         LogBook log(env.LogFolder(), clock, EnUs);
         log.SetSwitches(AllEvents);
-        log.SetTimeSource([] { return QStringLiteral("10:00"); });
+        log.SetTimeSource([&clock] { return LogBook::Stamp{clock.Today(), QStringLiteral("10:00")}; });
         // A crash left half a line at the end of the day's file.
         TestEnvironment::WriteFile(log.PathOf(clock.Today()), "\"11/16/2026\",\"09:59\",\"N");
         QVERIFY(!log.OpenTodaysLog());
@@ -299,7 +299,7 @@ private slots:
         ManualClock clock;
         LogBook log(env.LogFolder(), clock, EnUs);
         log.SetSwitches(AllEvents);
-        log.SetTimeSource([] { return QStringLiteral("10:00"); });
+        log.SetTimeSource([&clock] { return LogBook::Stamp{clock.Today(), QStringLiteral("10:00")}; });
         QVERIFY(!log.OpenTodaysLog());
         log.WriteLogEntry(QStringLiteral("ST"), 0, QStringLiteral("Start program"), QString(), QString());
         const LogDay today = log.ReadDay(clock.Today(), false);

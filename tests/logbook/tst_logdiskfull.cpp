@@ -26,7 +26,7 @@ private slots:
         ManualClock clock;
         LogBook log(QDir(disk).filePath(QStringLiteral("Logs")), clock, EnUs);
         log.SetSwitches({true, false});
-        log.SetTimeSource([] { return QStringLiteral("10:15"); });
+        log.SetTimeSource([&clock] { return LogBook::Stamp{clock.Today(), QStringLiteral("10:15")}; });
         QSignalSpy failed(&log, &LogBook::Failed);
         QVERIFY(!log.OpenTodaysLog());
         const QString path = log.PathOf(clock.Today());

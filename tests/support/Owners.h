@@ -22,7 +22,7 @@ struct Owners : DeskFiles
           alarms(*store, log, clock, prefs),
           windows(alarms, prefs, SoundFolders(), SoundFactory(), flash, &host)
     {
-        log.SetTimeSource([this]() -> QString { return alarms.InternetNow(); });
+        log.SetTimeSource([this] { return alarms.StampNow(); });
         QObject::connect(&alarms, &AlarmDesk::AlarmsRang, &viewer, &LogViewer::RefreshLogView);
         QObject::connect(&windows, &AlarmWindows::Answered, &viewer, &LogViewer::RefreshLogView);
         QObject::connect(&alarms, &AlarmDesk::Failed, &host,

@@ -5,6 +5,7 @@
 #include "alarms/AlarmLogic.h"
 #include "alarms/AlarmWindows.h"
 #include "clock/TimeText.h"
+#include "clock/ZoneClock.h"
 #include "logbook/LogBook.h"
 #include "logbook/frmNote.h"
 #include "settings/Preferences.h"
@@ -313,14 +314,15 @@ void AlarmPanel::cmdSet_Click()
                                        QString::fromUtf16(AlarmLogText::Cancelled), a.Message, QString());
             table.At(n).AlarmSet = false;
         } else {
+            // One reading of the clock: the refusal, a timer's expiry and the entry all go by
+            // the same minute.
+            const QDateTime setAt = m_desk.InternetDateTimeNow();
             // An alarm that could never ring, or only a day late, is refused.
-            if (const auto refusal = SetRefusal(a, m_edtExpire->Text())) {
+            if (const auto refusal = SetRefusal(a, m_edtExpire->Text(), setAt)) {
                 MessageBox::Notice(this, *refusal);
                 m_edtExpire->setFocus();
                 return;
             }
-            // One reading of the clock: a timer's expiry and the entry name the same minute.
-            const QDateTime setAt = m_desk.InternetDateTimeNow();
             a.AlarmSet = true;
             a.RangFor = QDateTime(); // armed anew: it rings at this time even if it rang there before
             a.DueAt = QDateTime();   // a timer's moment is set below, a clock time has none
@@ -343,7 +345,8 @@ void AlarmPanel::cmdSet_Click()
     }
 }
 
-std::optional<QString> AlarmPanel::SetRefusal(const AlarmRecord& a, const QString& boxText) const
+std::optional<QString> AlarmPanel::SetRefusal(const AlarmRecord& a, const QString& boxText,
+                                              const QDateTime& internetNow) const
 {
     const auto minutes = IntervalMinutes(boxText);
     if (!minutes)
@@ -354,7 +357,7 @@ std::optional<QString> AlarmPanel::SetRefusal(const AlarmRecord& a, const QStrin
         return QStringLiteral("The alarm was not set: a timer of 00:00 would not ring until tomorrow.\r"
                               "Type an interval from 00:01 to 23:59.");
     // This minute has been handled already: set for it, the alarm would ring a day late.
-    if (!a.TypeTimer && TimeText(boxText) == m_desk.InternetNow())
+    if (!a.TypeTimer && TimeText(boxText) == MinuteText(internetNow))
         return QStringLiteral("The alarm was not set: ") + TimeText(boxText) +
                QStringLiteral(" is the present minute, so it would not ring until tomorrow.\r"
                               "Type a later time.");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QFrame>
 
 #include <optional>
@@ -65,7 +66,9 @@ private:
     bool Editing() const;
     void ShowNoAlarm();
     // Why Set may not arm this alarm with the time box's text, when it may not.
-    std::optional<QString> SetRefusal(const AlarmRecord& a, const QString& boxText) const;
+    // `internetNow`: the moment of the corrected clock the Set was pressed.
+    std::optional<QString> SetRefusal(const AlarmRecord& a, const QString& boxText,
+                                      const QDateTime& internetNow) const;
     void SetNamedSound(const QString& path);
 
     AlarmDesk& m_desk;

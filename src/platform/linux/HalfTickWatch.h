@@ -24,6 +24,8 @@ private:
 
     std::thread m_thread;
     std::atomic<bool> m_stop{false};
+    // A report is on its way to the owner's thread.
+    std::atomic<bool> m_duePending{false};
     int m_stopFd = -1;
     // Which start a queued Due() belongs to; one queued before a Stop() is dropped.
     quint64 m_generation = 0;

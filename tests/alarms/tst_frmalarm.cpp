@@ -56,6 +56,19 @@ struct Ringing
         return Window(n)->findChild<T*>(QString::fromLatin1(name));
     }
     QString Text(int n, const char* label) const { return In<QLabel>(n, label)->text(); }
+    // Answers window 1, with `location` typed, at `at` on Monday, on a clock that moves on a
+    // second at every reading until the window is gone.
+    void AnswerAsTheClockTurns(QTime at, const char* location, void (frmAlarm::*answer)())
+    {
+        In<QLineEdit>(1, "txtLocation")->setText(QString::fromUtf8(location));
+        desk.clock.Set(Owners::Monday, at);
+        desk.clock.StepEachRead(1000);
+        (Window(1)->*answer)();
+        QTRY_VERIFY(!Window(1));
+        desk.clock.StepEachRead(0);
+    }
+    // Monday's log, whatever day the clock has gone on to.
+    QByteArray MondaysLog() const { return TestEnvironment::ReadFile(desk.LogPath(Owners::Monday)); }
     Owners desk;
 };
 
@@ -200,16 +213,11 @@ private slots:
         // after that: the entry, the new expiry, the moment the timer falls due and the
         // position all count from the one reading of the answer.
         Ringing r(SafetyTimer);
-        r.In<QLineEdit>(1, "txtLocation")->setText(QStringLiteral("Ridge road km 12"));
-        r.desk.clock.Set(Owners::Monday, QTime(10, 21, 59));
-        r.desk.clock.StepEachRead(1000);
-        r.Window(1)->cmdReset_Click();
-        QTRY_VERIFY(!r.Window(1));
-        r.desk.clock.StepEachRead(0);
+        r.AnswerAsTheClockTurns(QTime(10, 21, 59), "Ridge road km 12", &frmAlarm::cmdReset_Click);
         const AlarmRecord& a = r.desk.Alarms().At(1);
-        QVERIFY2(r.desk.TodaysLog().endsWith(Owners::Line("10:21", "SA", 1, "Alarm acknowleged, reset for ",
-                                                          "Crew 7", ", expires at 10:36, Ridge road km 12")),
-                 r.desk.TodaysLog().right(120).constData());
+        QVERIFY2(r.MondaysLog().endsWith(Owners::Line("10:21", "SA", 1, "Alarm acknowleged, reset for ",
+                                                      "Crew 7", ", expires at 10:36, Ridge road km 12")),
+                 r.MondaysLog().right(120).constData());
         QCOMPARE(a.Expire, QStringLiteral("10:36"));
         QCOMPARE(a.DueAt, QDateTime(Owners::Monday, QTime(10, 36, 59)).toUTC());
         QCOMPARE(a.LastPosition, QStringLiteral("10:21 Ridge road km 12"));
@@ -218,14 +226,9 @@ private slots:
     void anAnswerAtTheLastInstantOfTheDayIsDatedThatDay()
     {
         Ringing r(SafetyTimer);
-        r.In<QLineEdit>(1, "txtLocation")->setText(QStringLiteral("Base"));
-        r.desk.clock.Set(Owners::Monday, QTime(23, 59, 59));
-        r.desk.clock.StepEachRead(1000);
-        r.Window(1)->cmdReset_Click();
-        QTRY_VERIFY(!r.Window(1));
-        r.desk.clock.StepEachRead(0);
+        r.AnswerAsTheClockTurns(QTime(23, 59, 59), "Base", &frmAlarm::cmdReset_Click);
         // The file of the open day, Monday's: the clock has gone on into Tuesday.
-        const QByteArray log = TestEnvironment::ReadFile(r.desk.LogPath(Owners::Monday));
+        const QByteArray log = r.MondaysLog();
         QVERIFY2(log.endsWith(Owners::Line("23:59", "SA", 1, "Alarm acknowleged, reset for ", "Crew 7",
                                            ", expires at 00:14, Base", "11/16/2026")),
                  log.right(120).constData());
@@ -234,15 +237,10 @@ private slots:
     void aStopAtTheLastInstantOfAMinuteRecordsThePositionAtThatMinute()
     {
         Ringing r(SafetyTimer);
-        r.In<QLineEdit>(1, "txtLocation")->setText(QStringLiteral("Base"));
-        r.desk.clock.Set(Owners::Monday, QTime(10, 21, 59));
-        r.desk.clock.StepEachRead(1000);
-        r.Window(1)->cmdStop_Click();
-        QTRY_VERIFY(!r.Window(1));
-        r.desk.clock.StepEachRead(0);
-        QVERIFY2(r.desk.TodaysLog().endsWith(Owners::Line(
+        r.AnswerAsTheClockTurns(QTime(10, 21, 59), "Base", &frmAlarm::cmdStop_Click);
+        QVERIFY2(r.MondaysLog().endsWith(Owners::Line(
                      "10:21", "SA", 1, "Alarm acknowledged, terminated for  ", "Crew 7", ", Base")),
-                 r.desk.TodaysLog().right(120).constData());
+                 r.MondaysLog().right(120).constData());
         QCOMPARE(r.desk.Alarms().At(1).LastPosition, QStringLiteral("10:21 Base"));
     }
 

@@ -28,6 +28,27 @@ bool WaitFor(const std::function<bool()>& done, int msec)
     return true;
 }
 
+// A watch whose every check finds work, with the count of its checks (made on its thread)
+// and of its reports (on this one). The watch is made after the counts, so that it ends, and
+// joins its thread, before they go.
+struct EveryCheckFindsWork
+{
+    explicit EveryCheckFindsWork(QObject* receiver)
+    {
+        QObject::connect(&watch, &HalfTickWatch::Due, receiver, [this] { ++dues; });
+    }
+    bool Start()
+    {
+        return watch.Start([this](qint64) {
+            ++asked;
+            return true;
+        });
+    }
+    std::atomic<int> asked{0};
+    int dues = 0;
+    LinuxHalfTickWatch watch;
+};
+
 } // namespace
 
 class TestHalfTickWatch : public QObject
@@ -93,48 +114,36 @@ private slots:
 
     void stopEndsTheWaitAtOnceAndDropsAReportStillQueued()
     {
-        std::atomic<int> asked{0};
-        int dues = 0;
-        LinuxHalfTickWatch watch;
-        connect(&watch, &HalfTickWatch::Due, this, [&] { ++dues; });
-        QVERIFY(watch.Start([&](qint64) {
-            ++asked;
-            return true;
-        }));
+        EveryCheckFindsWork w(this);
+        QVERIFY(w.Start());
         // The first check found work; its report waits in this thread's queue.
-        QVERIFY(WaitFor([&] { return asked > 0; }, 3000));
+        QVERIFY(WaitFor([&] { return w.asked > 0; }, 3000));
         QElapsedTimer stopping;
         stopping.start();
-        watch.Stop();
+        w.watch.Stop();
         // The thread was waiting for the next .500, most of a second away: Stop wakes it.
         QVERIFY2(stopping.elapsed() < 400, qPrintable(QString::number(stopping.elapsed())));
-        const int askedAtStop = asked;
+        const int askedAtStop = w.asked;
         QCoreApplication::processEvents();
-        QCOMPARE(dues, 0);
+        QCOMPARE(w.dues, 0);
         QTest::qWait(1100);
-        QCOMPARE(asked.load(), askedAtStop);
-        QCOMPARE(dues, 0);
+        QCOMPARE(w.asked.load(), askedAtStop);
+        QCOMPARE(w.dues, 0);
     }
 
     void reportsDoNotPileUpWhileTheOwnerIsBusy()
     {
-        std::atomic<int> asked{0};
-        int dues = 0;
-        LinuxHalfTickWatch watch;
-        connect(&watch, &HalfTickWatch::Due, this, [&] { ++dues; });
-        QVERIFY(watch.Start([&](qint64) {
-            ++asked;
-            return true;
-        }));
+        EveryCheckFindsWork w(this);
+        QVERIFY(w.Start());
         // Every check finds work, but this thread runs no events for three of them.
-        QVERIFY(WaitFor([&] { return asked >= 3; }, 5000));
+        QVERIFY(WaitFor([&] { return w.asked >= 3; }, 5000));
         QCoreApplication::processEvents();
-        QCOMPARE(dues, 1);
+        QCOMPARE(w.dues, 1);
         // Once the report is taken, the next check may report again.
-        const int askedThen = asked;
-        QTRY_VERIFY_WITH_TIMEOUT(asked > askedThen, 3000);
-        QTRY_COMPARE_WITH_TIMEOUT(dues, 2, 1000);
-        watch.Stop();
+        const int askedThen = w.asked;
+        QTRY_VERIFY_WITH_TIMEOUT(w.asked > askedThen, 3000);
+        QTRY_COMPARE_WITH_TIMEOUT(w.dues, 2, 1000);
+        w.watch.Stop();
     }
 
     void startingAgainAsksTheNewTestOnly()

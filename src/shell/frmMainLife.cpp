@@ -7,6 +7,7 @@
 #include "alarms/frmAlarm.h"
 #include "calc/CalcPanel.h"
 #include "clock/Clock.h"
+#include "common/FloorDiv.h"
 #include "logbook/LogBook.h"
 #include "logbook/LogPanel.h"
 #include "logbook/LogViewer.h"
@@ -186,11 +187,6 @@ bool frmMain::Load()
 }
 
 namespace {
-
-qint64 FloorDiv(qint64 a, qint64 b)
-{
-    return a / b - ((a % b != 0) && ((a < 0) != (b < 0)) ? 1 : 0);
-}
 
 // "00" to "59", made once rather than formatted again at every change of the second.
 const QString& TwoDigits(int n)

@@ -1,5 +1,7 @@
 #include "platform/linux/HalfTickWatch.h"
 
+#include "common/FloorDiv.h"
+
 #include <QDateTime>
 #include <QMetaObject>
 
@@ -10,15 +12,6 @@
 #include <sys/eventfd.h>
 #include <system_error>
 #include <unistd.h>
-
-namespace {
-
-qint64 FloorDiv(qint64 a, qint64 b)
-{
-    return a / b - (a % b != 0 && (a < 0) != (b < 0) ? 1 : 0);
-}
-
-} // namespace
 
 LinuxHalfTickWatch::LinuxHalfTickWatch(QObject* parent) : HalfTickWatch(parent) {}
 

@@ -17,15 +17,29 @@ AlarmDesk::AlarmDesk(SettingsStore& store, LogBook& log, const Clock& clock, con
     : QObject(parent), m_store(store), m_log(log), m_clock(clock), m_preferences(preferences)
 {}
 
+QDateTime AlarmDesk::PcNow() const
+{
+    return m_clock.Now();
+}
+
 QDateTime AlarmDesk::InternetDateTimeNow() const
 {
-    return InternetDateTime(m_clock.Now(), m_preferences.Values().InetMinOffset);
+    return InternetDateTimeAt(m_clock.Now());
+}
+
+QDateTime AlarmDesk::InternetDateTimeAt(const QDateTime& pcNow) const
+{
+    return InternetDateTime(pcNow, m_preferences.Values().InetMinOffset);
+}
+
+LogBook::Stamp AlarmDesk::StampAt(const QDateTime& pcNow) const
+{
+    return {pcNow.date(), MinuteText(InternetDateTimeAt(pcNow))};
 }
 
 LogBook::Stamp AlarmDesk::StampNow() const
 {
-    const QDateTime pcNow = m_clock.Now();
-    return {pcNow.date(), MinuteText(InternetDateTime(pcNow, m_preferences.Values().InetMinOffset))};
+    return StampAt(m_clock.Now());
 }
 
 QString AlarmDesk::InternetNow() const
@@ -84,13 +98,11 @@ void AlarmDesk::CalcExpire(const QString& etime, int ptr, const QDateTime& inter
     }
 }
 
-void AlarmDesk::WriteLogEntryAt(const QDateTime& internetNow, const QString& code, qint16 safety,
+void AlarmDesk::WriteLogEntryAt(const QDateTime& pcNow, const QString& code, qint16 safety,
                                 const QString& text1, const QString& text2, const QString& text3)
 {
-    // The corrected clock is the PC's plus a whole number of minutes: the PC's date at
-    // that moment is found by taking the offset off again.
-    const QDate pcDay = internetNow.addSecs(-qint64(m_preferences.Values().InetMinOffset) * 60).date();
-    m_log.WriteLogEntryAt(pcDay, MinuteText(internetNow), code, safety, text1, text2, text3);
+    const LogBook::Stamp stamp = StampAt(pcNow);
+    m_log.WriteLogEntryAt(stamp.Day, stamp.Time, code, safety, text1, text2, text3);
 }
 
 void AlarmDesk::DeleteAlarm(int ptr)

@@ -29,11 +29,16 @@ public:
     LogBook& Log() { return m_log; }
     const AlarmTable& Table() const { return m_alarms; }
 
-    // The corrected clock that alarms are set and compared by.
+    // One reading of the PC's clock. Work that must agree on the moment (an answer's new
+    // expiry, its log entry and its position) reads it once and derives the rest from it.
+    QDateTime PcNow() const;
+    // The corrected clock that alarms are set and compared by, now or at `pcNow`.
     QDateTime InternetDateTimeNow() const;
+    QDateTime InternetDateTimeAt(const QDateTime& pcNow) const;
     QString InternetNow() const;
-    // The stamp of a log entry made now: the PC's date and the corrected minute, from one
-    // reading of the clock.
+    // The stamp of a log entry made at `pcNow`: the PC's date and the corrected minute.
+    LogBook::Stamp StampAt(const QDateTime& pcNow) const;
+    // The stamp of a log entry made now, from one reading of the clock.
     LogBook::Stamp StampNow() const;
     // The wall-clock minute of the corrected clock (see WallMinute).
     QDateTime WallMinuteNow() const;
@@ -52,13 +57,12 @@ public:
     void CalcExpire(const QString& etime, int ptr);
     // The same, counted from `internetNow`, a moment of the corrected clock read before.
     void CalcExpire(const QString& etime, int ptr, const QDateTime& internetNow);
-    // Writes a log entry stamped with `internetNow`, a moment of the corrected clock read
-    // before: its minute, on the PC's date at that moment. An answer reads the clock once
-    // and uses that moment for the new expiry, the entry and the position, so the entry
-    // never says "reset at 16:51, expires at 17:00" for a ten-minute check when the answer
-    // came at the last instant of 16:50.
-    void WriteLogEntryAt(const QDateTime& internetNow, const QString& code, qint16 safety,
-                         const QString& text1, const QString& text2, const QString& text3);
+    // Writes a log entry stamped as StampAt(pcNow), a reading of the PC's clock made before.
+    // An answer reads the clock once and uses that moment for the new expiry, the entry and
+    // the position, so the entry never says "reset at 16:51, expires at 17:00" for a
+    // ten-minute check when the answer came at the last instant of 16:50.
+    void WriteLogEntryAt(const QDateTime& pcNow, const QString& code, qint16 safety, const QString& text1,
+                         const QString& text2, const QString& text3);
     // Removes alarm `ptr`; the later alarms move down one slot.
     void DeleteAlarm(int ptr);
 

@@ -316,7 +316,8 @@ void AlarmPanel::cmdSet_Click()
         } else {
             // One reading of the clock: the refusal, a timer's expiry and the entry all go by
             // the same minute.
-            const QDateTime setAt = m_desk.InternetDateTimeNow();
+            const QDateTime pcNow = m_desk.PcNow();
+            const QDateTime setAt = m_desk.InternetDateTimeAt(pcNow);
             // An alarm that could never ring, or only a day late, is refused.
             if (const auto refusal = SetRefusal(a, m_edtExpire->Text(), setAt)) {
                 MessageBox::Notice(this, *refusal);
@@ -334,7 +335,7 @@ void AlarmPanel::cmdSet_Click()
                 m_desk.CalcExpire(m_edtExpire->Text(), n, setAt);
             }
             m_cmdSet->setText(QStringLiteral(" Cancel Alarm"));
-            m_desk.WriteLogEntryAt(setAt, QStringLiteral("SA"), SafetyFlag(a),
+            m_desk.WriteLogEntryAt(pcNow, QStringLiteral("SA"), SafetyFlag(a),
                                    QString::fromUtf16(AlarmLogText::Set), a.Message,
                                    AlarmLogText::ExpiresAt(a.Expire));
         }

@@ -5,7 +5,6 @@
 #include "alarms/AlarmSound.h"
 #include "alarms/AlarmWindows.h"
 #include "clock/TimeText.h"
-#include "clock/ZoneClock.h"
 #include "widgets/Icons.h"
 #include "widgets/MessageBox.h"
 #include "widgets/TopMost.h"
@@ -246,11 +245,11 @@ void frmAlarm::cmdReset_Click()
         return; // the window stays until the operator answers it
     }
     m_tmrFlash.stop();
-    m_answeredAt = m_desk.InternetDateTimeNow();
+    m_answeredAt = m_desk.PcNow();
     a->AlarmSet = true;
     a->Ringing = false;
     if (a->TypeTimer)
-        m_desk.CalcExpire(a->Interval, ExpirePtr(), m_answeredAt);
+        m_desk.CalcExpire(a->Interval, ExpirePtr(), m_desk.InternetDateTimeAt(m_answeredAt));
     QString detail = AlarmLogText::ExpiresAt(a->Expire);
     if (a->Safety == 1)
         detail += QStringLiteral(", ") + m_txtLocation->text();
@@ -262,7 +261,7 @@ void frmAlarm::cmdReset_Click()
 void frmAlarm::cmdStop_Click()
 {
     m_tmrFlash.stop();
-    m_answeredAt = m_desk.InternetDateTimeNow();
+    m_answeredAt = m_desk.PcNow();
     if (AlarmRecord* a = Record()) {
         // The entry names this window's own alarm, whatever moves into its slot after it.
         const AlarmRecord stopped = *a;
@@ -333,7 +332,7 @@ void frmAlarm::closeEvent(QCloseEvent* event)
         if (AlarmRecord* a = Record()) {
             if (a->Safety == 1)
                 a->LastPosition =
-                    MinuteText(m_answeredAt.isValid() ? m_answeredAt : m_desk.InternetDateTimeNow()) + u' ' +
+                    m_desk.StampAt(m_answeredAt.isValid() ? m_answeredAt : m_desk.PcNow()).Time + u' ' +
                     m_txtLocation->text();
             // Closed unanswered (the program stops): still set, but no window rings for it.
             a->Ringing = false;

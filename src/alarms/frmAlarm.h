@@ -61,8 +61,8 @@ private:
     QDateTime m_checkInStarted;
     bool m_checkIn;
     bool m_answered = false;
-    // The moment of the corrected clock the operator answered: the entry, the new expiry
-    // and the position recorded when the window closes all name its minute.
+    // The PC's clock when the operator answered, read once: the entry, the new expiry and
+    // the position recorded when the window closes all go by it.
     QDateTime m_answeredAt;
     bool m_blinkPhase = false;
     bool m_closed = false;

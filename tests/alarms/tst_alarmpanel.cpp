@@ -206,6 +206,25 @@ private slots:
                  p.desk.TodaysLog().right(120).constData());
     }
 
+    void timerSetOnACorrectedClockCountsFromTheCorrectedMinuteInThePcsDay()
+    {
+        // The PC runs seven minutes slow: Set at 23:58:30 on the PC is at 00:05 of the
+        // corrected clock, which the expiry and the entry go by; the entry goes into the
+        // PC's day.
+        Panel p(QByteArray(LogAll).replace("[General]\n", "[General]\nInetMinOffset=7\n"));
+        const int n = p.Add(QStringLiteral("Pump check"), QStringLiteral("0015"), true, false);
+        p.desk.clock.Set(Owners::Monday, QTime(23, 58, 30));
+        p.desk.clock.StepEachRead(1000);
+        QTest::mouseClick(p.Button("cmdSet"), Qt::LeftButton);
+        p.desk.clock.StepEachRead(0);
+        QVERIFY(p.Alarm(n).AlarmSet);
+        QCOMPARE(p.Alarm(n).Expire, QStringLiteral("00:20"));
+        const QByteArray log = TestEnvironment::ReadFile(p.desk.LogPath(Owners::Monday));
+        QVERIFY2(log.endsWith(
+                     Owners::Line("00:05", "SA", 0, "Alarm set for ", "Pump check", ", expires at 00:20")),
+                 log.right(120).constData());
+    }
+
     void deletingAlarmTwoOfFourMovesTheOthersUp()
     {
         Panel p;

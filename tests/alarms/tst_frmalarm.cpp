@@ -234,6 +234,23 @@ private slots:
                  log.right(120).constData());
     }
 
+    void anAnswerOnACorrectedClockGoesByTheCorrectedMinuteInThePcsDay()
+    {
+        // The PC runs seven minutes slow. An answer at 23:58:30 on the PC is at 00:05 of the
+        // corrected clock: the new expiry, the moment the timer falls due, the entry's time
+        // and the position go by the corrected clock; the entry goes into the PC's day.
+        Ringing r(QByteArray(SafetyTimer).replace("[Alarms]", "InetMinOffset=7\n[Alarms]"));
+        r.AnswerAsTheClockTurns(QTime(23, 58, 30), "Base", &frmAlarm::cmdReset_Click);
+        const AlarmRecord& a = r.desk.Alarms().At(1);
+        QCOMPARE(a.Expire, QStringLiteral("00:20"));
+        QCOMPARE(a.DueAt, QDateTime(Owners::Monday.addDays(1), QTime(0, 20, 30)).toUTC());
+        QCOMPARE(a.LastPosition, QStringLiteral("00:05 Base"));
+        const QByteArray log = r.MondaysLog();
+        QVERIFY2(log.endsWith(Owners::Line("00:05", "SA", 1, "Alarm acknowleged, reset for ", "Crew 7",
+                                           ", expires at 00:20, Base", "11/16/2026")),
+                 log.right(120).constData());
+    }
+
     void aStopAtTheLastInstantOfAMinuteRecordsThePositionAtThatMinute()
     {
         Ringing r(SafetyTimer);

@@ -125,16 +125,20 @@ void LogBook::SetSwitches(const LogSwitches& switches)
 
 std::optional<QString> LogBook::OpenTodaysLog()
 {
+    return OpenForWriting(m_clock.Today());
+}
+
+std::optional<QString> LogBook::OpenForWriting(QDate day)
+{
     CloseTodaysLog();
-    const QDate today = m_clock.Today();
     QDir().mkpath(m_folder);
-    m_today.setFileName(PathOf(today));
+    m_today.setFileName(PathOf(day));
     // Unbuffered: each entry goes to the file in one write, so that a failed one can be
     // taken back whole.
     if (!m_today.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered))
         return Report(ErrorText(QStringLiteral("Error opening today's logbook"), int(m_today.error()),
                                 m_today.errorString()));
-    m_openDay = today;
+    m_openDay = day;
     m_startOnNewLine = !EndsWithNewLine(m_today.fileName());
     return std::nullopt;
 }
@@ -179,6 +183,13 @@ std::optional<QString> LogBook::Write(const LogEntry& entry, const LogSwitches& 
     if (!m_today.isOpen())
         return Report(ErrorText(fixedText, int(QFileDevice::WriteError),
                                 QStringLiteral("The logbook file is not open")));
+    // Each entry goes into the file of its own date. Between midnight and the tick that
+    // turns the day (or after the clock was set across a midnight) the open file is the
+    // previous day's: the entry's day is opened instead, and later entries follow it there.
+    if (entry.LogDate.isValid() && entry.LogDate != m_openDay) {
+        if (const auto error = OpenForWriting(entry.LogDate))
+            return error;
+    }
 
     QByteArray line = FormatLogLine(entry, m_locale);
     // A file that ends in the middle of a line (cut short by a crash) gets the entry on a

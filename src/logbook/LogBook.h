@@ -106,6 +106,8 @@ public:
                        const QString& text3);
     // Appends one entry to today's file when the switches allow it, and pushes it to the
     // disk at once. Returns the message to show when the entry could not be written.
+    // Every entry goes into the file of its own date: one stamped with another day than
+    // the open file's (midnight passed before the day was turned) opens that day's file.
     std::optional<QString> WriteLogEntry(const QString& code, qint16 safety, const QString& text1,
                                          const QString& text2, const QString& text3, const QString& time,
                                          const LogSwitches& switches);
@@ -140,6 +142,8 @@ signals:
 private:
     std::optional<QString> Report(std::optional<QString> error);
     std::optional<QString> Write(const LogEntry& entry, const LogSwitches& switches);
+    // Opens the file of `day` for appending in place of the one open.
+    std::optional<QString> OpenForWriting(QDate day);
     // Whether the file at `path` is empty or ends with a whole line.
     static bool EndsWithNewLine(const QString& path);
 

@@ -234,6 +234,23 @@ private slots:
                  log.right(120).constData());
     }
 
+    void anAnswerJustAfterMidnightGoesIntoTheNewDaysLog()
+    {
+        // The crew answers at midnight, before the day has been turned and while Monday's
+        // log is still open: the entry is Tuesday's and goes into Tuesday's file.
+        Ringing r(SafetyTimer);
+        const QDate tuesday = Owners::Monday.addDays(1);
+        r.In<QLineEdit>(1, "txtLocation")->setText(QStringLiteral("Base"));
+        r.desk.clock.Set(tuesday, QTime(0, 0, 0));
+        r.Window(1)->cmdReset_Click();
+        QTRY_VERIFY(!r.Window(1));
+        const QByteArray log = TestEnvironment::ReadFile(r.desk.LogPath(tuesday));
+        QVERIFY2(log.endsWith(Owners::Line("00:00", "SA", 1, "Alarm acknowleged, reset for ", "Crew 7",
+                                           ", expires at 00:15, Base", "11/17/2026")),
+                 log.constData());
+        QVERIFY(!r.MondaysLog().contains("11/17/2026"));
+    }
+
     void anAnswerOnACorrectedClockGoesByTheCorrectedMinuteInThePcsDay()
     {
         // The PC runs seven minutes slow. An answer at 23:58:30 on the PC is at 00:05 of the

@@ -187,6 +187,34 @@ private slots:
         QCOMPARE(TestEnvironment::ReadFile(log.PathOf(QDate(2026, 11, 16))), QByteArray());
     }
 
+    void anEntryOfTheNextDayGoesIntoThatDaysFileBeforeTheDayIsTurned()
+    {
+        // Midnight has passed but the program has not yet turned the day (it does so at its
+        // next tick): an entry stamped with the new day goes into the new day's file, not
+        // into the file still open, and later entries follow it there.
+        TestEnvironment env;
+        ManualClock clock(QDateTime(QDate(2026, 11, 16), QTime(23, 59, 59)));
+        LogBook log(env.LogFolder(), clock, EnUs);
+        log.SetSwitches(AllEvents);
+        log.SetTimeSource([&clock] { return LogBook::Stamp{clock.Today(), clock.Now().toString(u"HH:mm")}; });
+        QVERIFY(!log.OpenTodaysLog());
+        log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("Last of Monday"), QString(), QString());
+        clock.AdvanceSecs(1);
+        log.WriteLogEntry(QStringLiteral("SA"), 1, QStringLiteral("Alarm acknowleged, reset for "),
+                          QStringLiteral("Crew 7"), QStringLiteral(", expires at 00:15, Base"));
+        QCOMPARE(log.OpenDay(), QDate(2026, 11, 17));
+        log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("Second of Tuesday"), QString(), QString());
+        QCOMPARE(TestEnvironment::ReadFile(log.PathOf(QDate(2026, 11, 16))),
+                 QByteArray("\"11/16/2026\",\"23:59\",\"NT\",0,\"Last of Monday\",\"\",\"\"\r\n"));
+        QCOMPARE(TestEnvironment::ReadFile(log.PathOf(QDate(2026, 11, 17))),
+                 QByteArray("\"11/17/2026\",\"00:00\",\"SA\",1,\"Alarm acknowleged, reset for \",\"Crew 7\","
+                            "\", expires at 00:15, Base\"\r\n"
+                            "\"11/17/2026\",\"00:00\",\"NT\",0,\"Second of Tuesday\",\"\",\"\"\r\n"));
+        // Turning the day afterwards reopens the same file: nothing is written twice.
+        QVERIFY(!log.OpenTodaysLog());
+        QCOMPARE(TestEnvironment::ReadFile(log.PathOf(QDate(2026, 11, 17))).count("\r\n"), 2);
+    }
+
     void dayWithoutAFileIsNotFoundAndNotAnError()
     {
         TestEnvironment env;

@@ -184,11 +184,20 @@ std::optional<QString> LogBook::Write(const LogEntry& entry, const LogSwitches& 
         return Report(ErrorText(fixedText, int(QFileDevice::WriteError),
                                 QStringLiteral("The logbook file is not open")));
     // Each entry goes into the file of its own date. Between midnight and the tick that
-    // turns the day (or after the clock was set across a midnight) the open file is the
-    // previous day's: the entry's day is opened instead, and later entries follow it there.
+    // turns the day (or after the clock was set across a midnight) the open file may be
+    // another day's: the entry's day is opened instead, and later entries follow it there.
+    // That file is tried before the open one is let go: when it cannot be opened the
+    // failure is told and the entry still goes into the open file rather than being lost.
     if (entry.LogDate.isValid() && entry.LogDate != m_openDay) {
-        if (const auto error = OpenForWriting(entry.LogDate))
-            return error;
+        QFile trial(PathOf(entry.LogDate));
+        if (trial.open(QIODevice::WriteOnly | QIODevice::Append)) {
+            trial.close();
+            if (const auto error = OpenForWriting(entry.LogDate))
+                return error;
+        } else {
+            Report(ErrorText(QStringLiteral("Error opening logbook ") + LogFileName(entry.LogDate),
+                             int(trial.error()), trial.errorString()));
+        }
     }
 
     QByteArray line = FormatLogLine(entry, m_locale);

@@ -69,7 +69,9 @@ struct LogDay
 inline constexpr qint64 MaxDayBytes = 1 << 20;
 
 // The daily log files in one folder, the open file of today, and the one writer of
-// entries with its two switches. Every failure is announced through Failed() (and, from
+// entries with its two switches. Every entry goes into the file of the date it carries: an
+// entry stamped with another day than the open file's (midnight passed before the day was
+// turned) opens that day's file. Every failure is announced through Failed() (and, from
 // the lower-level calls, also returned) so that the program reports it in one place.
 class LogBook : public QObject
 {
@@ -106,8 +108,6 @@ public:
                        const QString& text3);
     // Appends one entry to today's file when the switches allow it, and pushes it to the
     // disk at once. Returns the message to show when the entry could not be written.
-    // Every entry goes into the file of its own date: one stamped with another day than
-    // the open file's (midnight passed before the day was turned) opens that day's file.
     std::optional<QString> WriteLogEntry(const QString& code, qint16 safety, const QString& text1,
                                          const QString& text2, const QString& text3, const QString& time,
                                          const LogSwitches& switches);

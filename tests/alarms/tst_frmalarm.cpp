@@ -227,7 +227,7 @@ private slots:
     {
         Ringing r(SafetyTimer);
         r.AnswerAsTheClockTurns(QTime(23, 59, 59), "Base", &frmAlarm::cmdReset_Click);
-        // The file of the open day, Monday's: the clock has gone on into Tuesday.
+        // The file of the entry's day, Monday's, although the clock has gone on into Tuesday.
         const QByteArray log = r.MondaysLog();
         QVERIFY2(log.endsWith(Owners::Line("23:59", "SA", 1, "Alarm acknowleged, reset for ", "Crew 7",
                                            ", expires at 00:14, Base", "11/16/2026")),

@@ -210,9 +210,36 @@ private slots:
                  QByteArray("\"11/17/2026\",\"00:00\",\"SA\",1,\"Alarm acknowleged, reset for \",\"Crew 7\","
                             "\", expires at 00:15, Base\"\r\n"
                             "\"11/17/2026\",\"00:00\",\"NT\",0,\"Second of Tuesday\",\"\",\"\"\r\n"));
-        // Turning the day afterwards reopens the same file: nothing is written twice.
+        // Turning the day afterwards reopens the same file, and the next entry follows the others.
         QVERIFY(!log.OpenTodaysLog());
-        QCOMPARE(TestEnvironment::ReadFile(log.PathOf(QDate(2026, 11, 17))).count("\r\n"), 2);
+        log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("Third of Tuesday"), QString(), QString());
+        const QByteArray tuesday = TestEnvironment::ReadFile(log.PathOf(QDate(2026, 11, 17)));
+        QCOMPARE(tuesday.count("\r\n"), 3);
+        QVERIFY(tuesday.endsWith("\"Third of Tuesday\",\"\",\"\"\r\n"));
+    }
+
+    void anEntryWhoseDaysFileCannotBeOpenedGoesIntoTheOpenFile()
+    {
+        // Tuesday's file cannot be opened (a folder stands in its place): the failure is
+        // told, naming the file, and the entry is kept in Monday's file rather than lost.
+        TestEnvironment env;
+        ManualClock clock(QDateTime(QDate(2026, 11, 16), QTime(23, 59, 59)));
+        LogBook log(env.LogFolder(), clock, EnUs);
+        log.SetSwitches(AllEvents);
+        log.SetTimeSource([&clock] { return LogBook::Stamp{clock.Today(), clock.Now().toString(u"HH:mm")}; });
+        QVERIFY(!log.OpenTodaysLog());
+        QVERIFY(QDir().mkpath(log.PathOf(QDate(2026, 11, 17))));
+        QSignalSpy failed(&log, &LogBook::Failed);
+        clock.AdvanceSecs(1);
+        log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("Just after midnight"), QString(),
+                          QString());
+        QCOMPARE(failed.size(), 1);
+        QVERIFY2(failed.at(0).at(0).toString().startsWith(
+                     QStringLiteral("Error opening logbook 20261117.log\r\r")),
+                 qPrintable(failed.at(0).at(0).toString()));
+        QCOMPARE(log.OpenDay(), QDate(2026, 11, 16));
+        QCOMPARE(TestEnvironment::ReadFile(log.PathOf(QDate(2026, 11, 16))),
+                 QByteArray("\"11/17/2026\",\"00:00\",\"NT\",0,\"Just after midnight\",\"\",\"\"\r\n"));
     }
 
     void dayWithoutAFileIsNotFoundAndNotAnError()

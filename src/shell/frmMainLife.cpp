@@ -342,6 +342,10 @@ void frmMain::NewDay()
     m_lastDate = m_clock.Today();
     m_log->CloseTodaysLog();
     m_log->OpenTodaysLog();
+    // A day turned while the program runs: the new day's file now exists, and the calendar
+    // marks it. (Start-up marks the days found before it opened today's file.)
+    if (m_loaded)
+        m_viewer->MarkAvailableLogs();
     m_viewer->RefreshLogView();
 }
 

@@ -310,6 +310,8 @@ private slots:
         desk.window->tmrMain_Timer();
         QVERIFY(QFileInfo::exists(desk.LogPath(Monday.addDays(1))));
         QCOMPARE(desk.window->Log().OpenDay(), Monday.addDays(1));
+        // The new day has a log now: the calendar marks it.
+        QVERIFY(desk.window->Viewer().MarkedLogDays().contains(Monday.addDays(1)));
         desk.window->Log().WriteLogEntry(QStringLiteral("EA"), 1, QStringLiteral("Alarm Expired for "),
                                          QStringLiteral("Night crew"), QString());
         QCOMPARE(

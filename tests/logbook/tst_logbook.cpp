@@ -11,6 +11,24 @@ const QLocale EnUs(QLocale::English, QLocale::UnitedStates);
 const LogSwitches AllEvents{true, false};
 const LogSwitches SafetyOnly{true, true};
 const LogSwitches LoggingOff{false, false};
+
+// A log on Monday's last second, writing every entry, stamped by its clock: the day has not
+// been turned when the clock passes midnight.
+struct LastSecondOfMonday
+{
+    LastSecondOfMonday()
+    {
+        log.SetSwitches(AllEvents);
+        log.SetTimeSource([this] { return LogBook::Stamp{clock.Today(), clock.Now().toString(u"HH:mm")}; });
+    }
+    void Note(const char* text)
+    {
+        log.WriteLogEntry(QStringLiteral("NT"), 0, QString::fromUtf8(text), QString(), QString());
+    }
+    TestEnvironment env;
+    ManualClock clock{QDateTime(QDate(2026, 11, 16), QTime(23, 59, 59))};
+    LogBook log{env.LogFolder(), clock, EnUs};
+};
 } // namespace
 
 class TestLogBook : public QObject
@@ -192,18 +210,15 @@ private slots:
         // Midnight has passed but the program has not yet turned the day (it does so at its
         // next tick): an entry stamped with the new day goes into the new day's file, not
         // into the file still open, and later entries follow it there.
-        TestEnvironment env;
-        ManualClock clock(QDateTime(QDate(2026, 11, 16), QTime(23, 59, 59)));
-        LogBook log(env.LogFolder(), clock, EnUs);
-        log.SetSwitches(AllEvents);
-        log.SetTimeSource([&clock] { return LogBook::Stamp{clock.Today(), clock.Now().toString(u"HH:mm")}; });
+        LastSecondOfMonday b;
+        LogBook& log = b.log;
         QVERIFY(!log.OpenTodaysLog());
-        log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("Last of Monday"), QString(), QString());
-        clock.AdvanceSecs(1);
+        b.Note("Last of Monday");
+        b.clock.AdvanceSecs(1);
         log.WriteLogEntry(QStringLiteral("SA"), 1, QStringLiteral("Alarm acknowleged, reset for "),
                           QStringLiteral("Crew 7"), QStringLiteral(", expires at 00:15, Base"));
         QCOMPARE(log.OpenDay(), QDate(2026, 11, 17));
-        log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("Second of Tuesday"), QString(), QString());
+        b.Note("Second of Tuesday");
         QCOMPARE(TestEnvironment::ReadFile(log.PathOf(QDate(2026, 11, 16))),
                  QByteArray("\"11/16/2026\",\"23:59\",\"NT\",0,\"Last of Monday\",\"\",\"\"\r\n"));
         QCOMPARE(TestEnvironment::ReadFile(log.PathOf(QDate(2026, 11, 17))),
@@ -212,7 +227,7 @@ private slots:
                             "\"11/17/2026\",\"00:00\",\"NT\",0,\"Second of Tuesday\",\"\",\"\"\r\n"));
         // Turning the day afterwards reopens the same file, and the next entry follows the others.
         QVERIFY(!log.OpenTodaysLog());
-        log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("Third of Tuesday"), QString(), QString());
+        b.Note("Third of Tuesday");
         const QByteArray tuesday = TestEnvironment::ReadFile(log.PathOf(QDate(2026, 11, 17)));
         QCOMPARE(tuesday.count("\r\n"), 3);
         QVERIFY(tuesday.endsWith("\"Third of Tuesday\",\"\",\"\"\r\n"));
@@ -222,17 +237,13 @@ private slots:
     {
         // Tuesday's file cannot be opened (a folder stands in its place): the failure is
         // told, naming the file, and the entry is kept in Monday's file rather than lost.
-        TestEnvironment env;
-        ManualClock clock(QDateTime(QDate(2026, 11, 16), QTime(23, 59, 59)));
-        LogBook log(env.LogFolder(), clock, EnUs);
-        log.SetSwitches(AllEvents);
-        log.SetTimeSource([&clock] { return LogBook::Stamp{clock.Today(), clock.Now().toString(u"HH:mm")}; });
+        LastSecondOfMonday b;
+        LogBook& log = b.log;
         QVERIFY(!log.OpenTodaysLog());
         QVERIFY(QDir().mkpath(log.PathOf(QDate(2026, 11, 17))));
         QSignalSpy failed(&log, &LogBook::Failed);
-        clock.AdvanceSecs(1);
-        log.WriteLogEntry(QStringLiteral("NT"), 0, QStringLiteral("Just after midnight"), QString(),
-                          QString());
+        b.clock.AdvanceSecs(1);
+        b.Note("Just after midnight");
         QCOMPARE(failed.size(), 1);
         QVERIFY2(failed.at(0).at(0).toString().startsWith(
                      QStringLiteral("Error opening logbook 20261117.log\r\r")),

@@ -6,10 +6,15 @@
 # in its own minute and never late, each answer re-arming it as the program defines, and
 # the program's resident memory must stay flat.
 #
-# The faked clock starts at 23:50 the day before and runs TW_DAY_HOURS hours (default 24)
-# past the next midnight and six minutes more, so the day changes under the running program
-# (at the start, and with the default length at the end too). At x60 a simulated minute
-# lasts one real second: the whole day takes about 24.5 minutes.
+# The faked clock starts ten minutes before hour TW_DAY_FROM (default 0) of 16 November and
+# runs TW_DAY_HOURS hours (default 24) from that hour and six minutes more. scripts/test runs
+# the day as two halves side by side, each a program of its own: from 23:50 the day before to
+# 12:06, and from 11:50 to 00:06 the next day, so the day changes under a running program at
+# the start of the one and at the end of the other. The clock-time alarms keep their times of
+# day (so that across the two halves each rings as in one whole day); the timers' first
+# expiries are counted from the hour the run starts at, so that the timers run in each half.
+# At x60 a simulated minute lasts one real second: a half takes about 12.5 minutes, a whole
+# day about 24.5.
 #
 # Usage: day.sh PATH/TO/tarrowind PATH/TO/DefaultAlarm.Wav
 set -euo pipefail
@@ -20,13 +25,23 @@ done
 hours=${TW_DAY_HOURS:-24}
 [[ "$hours" =~ ^[0-9]+$ ]] && [ "$hours" -ge 1 ] && [ "$hours" -le 48 ] ||
     { echo "e2e: TW_DAY_HOURS must be a whole number of hours from 1 to 48"; exit 1; }
+from=${TW_DAY_FROM:-0}
+[[ "$from" =~ ^[0-9]+$ ]] && [ "$from" -le 23 ] ||
+    { echo "e2e: TW_DAY_FROM must be a whole hour from 0 to 23"; exit 1; }
 e2e_init "$1" "$2"
 export TW_DAY_HOURS=$hours
+# The program starts ten minutes before the hour; its title names the day it starts on.
+start=$(date -u -d "2026-11-16 00:00:00 UTC + $from hours - 10 minutes" '+%Y-%m-%d %H:%M:%S')
+export TW_DAY_START=$start
+TW_DAY_TITLE="Tarrowind --$(LC_ALL=C date -u -d "$start UTC" '+%A %B %-d,%Y') [Standard Time]"
+export TW_DAY_TITLE
+echo "simulated from $start for $hours hours and 16 minutes"
 
 # The alarms: message | timer | expiry (a timer's first) | interval | retain | safety.
 # Messages are unique: the log names an alarm by its message. No alarm falls due in the ten
-# minutes before the first midnight, while the program starts.
-cat >"$work/alarms.txt" <<'TABLE'
+# minutes before midnight or noon, while the program starts. A timer's first expiry is given
+# from midnight and moved on by TW_DAY_FROM hours below.
+cat >"$work/table.txt" <<'TABLE'
 Gate opens|False|00:00|00:00|1|0
 Night patrol out|False|00:00|00:00|0|0
 Last round|False|00:03|00:00|1|0
@@ -58,6 +73,13 @@ Lone worker check|True|00:12|00:20|1|1
 Diver check|True|00:08|00:10|1|1
 Line crew check|True|01:50|00:45|1|1
 TABLE
+while IFS='|' read -r message timer expire interval retain safety; do
+    if [ "$timer" = True ]; then
+        h=$(( (10#${expire%:*} + from) % 24 ))
+        expire=$(printf '%02d:%s' "$h" "${expire#*:}")
+    fi
+    echo "$message|$timer|$expire|$interval|$retain|$safety"
+done <"$work/table.txt" >"$work/alarms.txt"
 {
     printf '[General]\nLogOn=1\nLogSafetyOnly=False\nAudible=0\nDefaultInterval=00:15\n[Alarms]\n'
     printf 'Count=%s\n' "$(wc -l <"$work/alarms.txt")"
@@ -90,11 +112,11 @@ TABLE
 export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}quarantine_size_mb=8:malloc_context_size=0:allocator_release_to_os_interval_ms=500"
 e2e_run '
 start_us=${EPOCHREALTIME/./}
-LD_PRELOAD=$FAKETIME_LIB FAKETIME="@2026-11-15 23:50:00 x60" "$WORK/program/tarrowind" &
+LD_PRELOAD=$FAKETIME_LIB FAKETIME="@$TW_DAY_START x60" "$WORK/program/tarrowind" &
 pid=$!
 trap '\''if [ -n "${pid:-}" ] && kill -0 "$pid" 2>/dev/null; then kill -KILL "$pid"; fi'\'' EXIT
-e2e_wait_title "Tarrowind --Sunday November 15,2026 [Standard Time]" 30 || exit $?
-# Simulated seconds from the start: the ten minutes before midnight, the day, six minutes.
+e2e_wait_title "$TW_DAY_TITLE" 30 || exit $?
+# Simulated seconds from the start: the ten minutes before the hour, the day, six minutes.
 end_us=$(( start_us + (600 + TW_DAY_HOURS * 3600 + 360) * 1000000 / 60 ))
 next_sample_us=$(( start_us + 600 * 1000000 / 60 ))
 hour=0
@@ -104,7 +126,7 @@ while :; do
     now_us=${EPOCHREALTIME/./}
     [ "$now_us" -ge "$end_us" ] && break
     kill -0 "$pid" 2>/dev/null || { echo "e2e: the program ended early"; pid=; exit 4; }
-    # Resident memory once every simulated hour, from midnight on.
+    # Resident memory once every simulated hour, from the first whole hour on.
     if [ "$now_us" -ge "$next_sample_us" ]; then
         echo "$hour $(awk '\''/^VmRSS:/ {print $2}'\'' "/proc/$pid/status")" >>"$WORK/rss.txt"
         hour=$((hour + 1))
@@ -314,7 +336,7 @@ fi
 # at least 8 MB, is what a leak on the scale of what the day repeats most (a thousand alarm
 # windows, fourteen hundred minutes' work) would exceed; a leak of a few bytes a minute it
 # cannot see. A run of one hour has only the base and no later sample to judge.
-echo "VmRSS (kB) by simulated hour after midnight:"
+echo "VmRSS (kB) by simulated hour, from the first whole hour:"
 awk '{printf "h%s=%s ", $1, $2} END {print ""}' "$work/rss.txt" 2>/dev/null || true
 samples=$(wc -l <"$work/rss.txt" 2>/dev/null || echo 0)
 if [ "$hours" -eq 1 ]; then

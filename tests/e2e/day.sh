@@ -23,11 +23,13 @@ for tool in xdotool python3 timeout; do
     command -v "$tool" >/dev/null || { echo "e2e: $tool is missing (scripts/deps installs it)"; exit 1; }
 done
 hours=${TW_DAY_HOURS:-24}
-[[ "$hours" =~ ^[0-9]+$ ]] && [ "$hours" -ge 1 ] && [ "$hours" -le 48 ] ||
+[[ "$hours" =~ ^[0-9]+$ ]] && [ "$((10#$hours))" -ge 1 ] && [ "$((10#$hours))" -le 48 ] ||
     { echo "e2e: TW_DAY_HOURS must be a whole number of hours from 1 to 48"; exit 1; }
+hours=$((10#$hours))
 from=${TW_DAY_FROM:-0}
 [[ "$from" =~ ^[0-9]+$ ]] && [ "$from" -le 23 ] ||
     { echo "e2e: TW_DAY_FROM must be a whole hour from 0 to 23"; exit 1; }
+from=$((10#$from))
 e2e_init "$1" "$2"
 export TW_DAY_HOURS=$hours
 # The program starts ten minutes before the hour; its title names the day it starts on.
@@ -35,7 +37,7 @@ start=$(date -u -d "2026-11-16 00:00:00 UTC + $from hours - 10 minutes" '+%Y-%m-
 export TW_DAY_START=$start
 TW_DAY_TITLE="Tarrowind --$(LC_ALL=C date -u -d "$start UTC" '+%A %B %-d,%Y') [Standard Time]"
 export TW_DAY_TITLE
-echo "simulated from $start for $hours hours and 16 minutes"
+echo "simulated from $start to $(date -u -d "$start UTC + $hours hours + 16 minutes" '+%Y-%m-%d %H:%M:%S')"
 
 # The alarms: message | timer | expiry (a timer's first) | interval | retain | safety.
 # Messages are unique: the log names an alarm by its message. No alarm falls due in the ten

@@ -108,7 +108,7 @@ export QT_QPA_PLATFORM=offscreen
 # A long run keeps two frames of each allocation's stack: where it was made and its caller.
 # Deeper stacks pass through Qt's frames, which keep no frame pointer, and come out different
 # almost every time; the sanitizer stores each one, and that store's growth slows a long run
-# to a crawl (the settings program fell from 2,700 to 700 executions a second within 13
+# to a crawl (the settings program fell from 2,700 to 700 executions a second within 14
 # minutes, its memory grew to 1.5 GB). Two frames are exact, and they are what the leak
 # suppressions match; a crash's input is kept, to be run again with whole stacks.
 if [ -n "$runs" ] || [ $long -eq 1 ]; then

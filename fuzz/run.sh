@@ -111,11 +111,9 @@ export QT_QPA_PLATFORM=offscreen
 # to a crawl (the settings program fell from 2,700 to 700 executions a second within 14
 # minutes, its memory grew to 1.5 GB). Two frames are exact, and they are what the leak
 # suppressions match; a crash's input is kept, to be run again with whole stacks.
-if [ -n "$runs" ] || [ $long -eq 1 ]; then
-    export ASAN_OPTIONS="${ASAN_OPTIONS:-detect_leaks=1:abort_on_error=1:malloc_context_size=2}"
-else
-    export ASAN_OPTIONS="${ASAN_OPTIONS:-detect_leaks=1:abort_on_error=1}"
-fi
+asan=detect_leaks=1:abort_on_error=1
+[ -z "$runs" ] && [ $long -eq 0 ] || asan+=:malloc_context_size=2
+export ASAN_OPTIONS="${ASAN_OPTIONS:-$asan}"
 export LSAN_OPTIONS="${LSAN_OPTIONS:-suppressions=$here/lsan.supp:print_suppressions=0}"
 export UBSAN_OPTIONS="${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}"
 # The settings program writes and reads back a settings file for every input, and the store

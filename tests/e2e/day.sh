@@ -23,13 +23,11 @@ for tool in xdotool python3 timeout; do
     command -v "$tool" >/dev/null || { echo "e2e: $tool is missing (scripts/deps installs it)"; exit 1; }
 done
 hours=${TW_DAY_HOURS:-24}
-[[ "$hours" =~ ^[0-9]+$ ]] && [ "$((10#$hours))" -ge 1 ] && [ "$((10#$hours))" -le 48 ] ||
+[[ "$hours" =~ ^[0-9]{1,2}$ ]] && hours=$((10#$hours)) && [ "$hours" -ge 1 ] && [ "$hours" -le 48 ] ||
     { echo "e2e: TW_DAY_HOURS must be a whole number of hours from 1 to 48"; exit 1; }
-hours=$((10#$hours))
 from=${TW_DAY_FROM:-0}
-[[ "$from" =~ ^[0-9]+$ ]] && [ "$from" -le 23 ] ||
+[[ "$from" =~ ^[0-9]{1,2}$ ]] && from=$((10#$from)) && [ "$from" -le 23 ] ||
     { echo "e2e: TW_DAY_FROM must be a whole hour from 0 to 23"; exit 1; }
-from=$((10#$from))
 e2e_init "$1" "$2"
 export TW_DAY_HOURS=$hours
 # The program starts ten minutes before the hour; its title names the day it starts on.
@@ -42,8 +40,14 @@ echo "simulated from $start to $(date -u -d "$start UTC + $hours hours + 16 minu
 # The alarms: message | timer | expiry (a timer's first) | interval | retain | safety.
 # Messages are unique: the log names an alarm by its message. No alarm falls due in the ten
 # minutes before midnight or noon, while the program starts. A timer's first expiry is given
-# from midnight and moved on by TW_DAY_FROM hours below.
-cat >"$work/table.txt" <<'TABLE'
+# from midnight and moved on by TW_DAY_FROM hours.
+while IFS='|' read -r message timer expire interval retain safety; do
+    if [ "$timer" = True ]; then
+        h=$(( (10#${expire%:*} + from) % 24 ))
+        expire=$(printf '%02d:%s' "$h" "${expire#*:}")
+    fi
+    echo "$message|$timer|$expire|$interval|$retain|$safety"
+done >"$work/alarms.txt" <<'TABLE'
 Gate opens|False|00:00|00:00|1|0
 Night patrol out|False|00:00|00:00|0|0
 Last round|False|00:03|00:00|1|0
@@ -75,13 +79,6 @@ Lone worker check|True|00:12|00:20|1|1
 Diver check|True|00:08|00:10|1|1
 Line crew check|True|01:50|00:45|1|1
 TABLE
-while IFS='|' read -r message timer expire interval retain safety; do
-    if [ "$timer" = True ]; then
-        h=$(( (10#${expire%:*} + from) % 24 ))
-        expire=$(printf '%02d:%s' "$h" "${expire#*:}")
-    fi
-    echo "$message|$timer|$expire|$interval|$retain|$safety"
-done <"$work/table.txt" >"$work/alarms.txt"
 {
     printf '[General]\nLogOn=1\nLogSafetyOnly=False\nAudible=0\nDefaultInterval=00:15\n[Alarms]\n'
     printf 'Count=%s\n' "$(wc -l <"$work/alarms.txt")"

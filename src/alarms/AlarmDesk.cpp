@@ -3,6 +3,7 @@
 #include "alarms/AlarmLogic.h"
 #include "clock/Clock.h"
 #include "clock/ZoneClock.h"
+#include "common/FloorDiv.h"
 #include "logbook/LogBook.h"
 #include "settings/Preferences.h"
 #include "settings/Settings.h"
@@ -155,16 +156,33 @@ AlarmDesk::Step AlarmDesk::RingIfDue(int& n, const QDateTime& from, const QDateT
     AlarmRecord& due = m_alarms.At(n);
     if (!due.AlarmSet || due.Ringing)
         return Step::Quiet;
-    const auto at = LastInstance(due.Expire, from, to);
-    // The same expiry (the same date and minute on the wall) rings once.
-    if (!at || due.RangFor == *at)
-        return Step::Quiet;
-    // A timer whose moment has not come yet waits, though the wall shows its minute (the
-    // first pass of a repeated hour).
-    if (due.DueAt.isValid() && InternetDateTimeNow().toUTC().secsTo(due.DueAt) >= 60)
-        return Step::Quiet;
+    std::optional<QDateTime> at;
+    int lateMinutes = 0;
+    if (due.DueAt.isValid()) {
+        // A timer set in this run goes by its moment, not by the wall. The wall can show its
+        // "hh:mm" an hour before the moment (the first pass of a repeated hour, the zone moved
+        // east), an hour after it (the zone moved west), or not at all in the minutes scanned
+        // (the machine slept across the autumn change). It rings in the minute of its moment,
+        // or at the first scan after it, late by the minutes that have passed since.
+        const QDateTime internetNow = InternetDateTimeNow();
+        const qint64 dueMinute = FloorDiv(due.DueAt.toSecsSinceEpoch(), 60);
+        const qint64 nowMinute = FloorDiv(internetNow.toSecsSinceEpoch(), 60);
+        if (dueMinute > nowMinute)
+            return Step::Quiet;
+        at = WallMinute(internetNow.addSecs(internetNow.secsTo(due.DueAt)));
+        lateMinutes = int(nowMinute - dueMinute);
+        // The moment is spent: from here on the timer is an expiry on the wall like any other,
+        // until it is set again.
+        due.DueAt = QDateTime();
+    } else {
+        at = LastInstance(due.Expire, from, to);
+        // The same expiry (the same date and minute on the wall) rings once.
+        if (!at || due.RangFor == *at)
+            return Step::Quiet;
+        lateMinutes = int(at->secsTo(to) / 60);
+    }
     due.RangFor = *at;
-    due.LateMinutes = int(at->secsTo(to) / 60);
+    due.LateMinutes = lateMinutes;
     const quint64 id = m_alarms.IdOf(n);
     emit AlarmDue(n);
     if (m_stopped)

@@ -34,9 +34,41 @@ void ResetAll(Desk& desk)
 
 const QByteArray Retained = "[General]\nLogOn=1\nLogSafetyOnly=False\n[Alarms]\n";
 
+// Sets a new safety timer "Crew 7" of the default interval through the alarm panel, at the
+// clock's present time.
+void SetSafetyTimer(Desk& desk)
+{
+    desk.window->show();
+    desk.ClickPanel(QStringLiteral("Alarm"));
+    desk.Find<QPushButton>(QStringLiteral("cmdNew"))->click();
+    desk.Find<QLineEdit>(QStringLiteral("txtMessage"))->setText(QStringLiteral("Crew 7"));
+    desk.Find<QCheckBox>(QStringLiteral("chkSafety"))->click(); // a timer of the default interval
+    desk.Find<QPushButton>(QStringLiteral("cmdSet"))->click();
+}
+
+// Ticks once a minute from `start` for `minutes` minutes, or until an alarm window opens;
+// returns the minute it opened at, or -1.
+int MinuteOfFirstRing(Desk& desk, const QDateTime& start, int minutes)
+{
+    for (int minute = 0; minute <= minutes; ++minute) {
+        desk.clock.Set(start.addSecs(60 * minute));
+        desk.window->tmrMain_Timer();
+        if (!desk.Windows().OpenAlarmWindows().isEmpty())
+            return minute;
+    }
+    return -1;
+}
+
+// A moment `utc` shown in a zone `hours` off UTC.
+QDateTime InZone(const char* utc, int hours)
+{
+    return QDateTime::fromString(QString::fromLatin1(utc), Qt::ISODate).toOffsetFromUtc(hours * 3600);
+}
+
 } // namespace
 
-// Alarms across the two daylight-time changes of a year in a zone that keeps daylight time.
+// Alarms across the two daylight-time changes of a year in a zone that keeps daylight time,
+// and timers across a change of the computer's zone.
 class TestDaylight : public QObject
 {
     Q_OBJECT
@@ -75,22 +107,63 @@ private slots:
         Desk desk("[General]\nLogOn=1\nLogSafetyOnly=False\nDefaultInterval=01:30\n");
         desk.clock.Set(LocalAt("2026-11-01T07:45:00Z")); // 00:45 daylight time
         QVERIFY(desk.window->Load());
-        desk.window->show();
-        desk.ClickPanel(QStringLiteral("Alarm"));
-        desk.Find<QPushButton>(QStringLiteral("cmdNew"))->click();
-        desk.Find<QLineEdit>(QStringLiteral("txtMessage"))->setText(QStringLiteral("Crew 7"));
-        desk.Find<QCheckBox>(QStringLiteral("chkSafety"))->click(); // a timer of 01:30
-        desk.Find<QPushButton>(QStringLiteral("cmdSet"))->click();
+        SetSafetyTimer(desk);
         QCOMPARE(desk.Alarms().At(1).Expire, QStringLiteral("01:15")); // 01:15 standard time
-        int rangAtMinute = -1;
-        for (int minute = 0; minute <= 100 && rangAtMinute < 0; ++minute) {
-            desk.clock.Set(LocalAt("2026-11-01T07:45:00Z").addSecs(60 * minute));
-            desk.window->tmrMain_Timer();
-            if (!desk.Windows().OpenAlarmWindows().isEmpty())
-                rangAtMinute = minute;
-        }
-        QCOMPARE(rangAtMinute, 90);
+        QCOMPARE(MinuteOfFirstRing(desk, LocalAt("2026-11-01T07:45:00Z"), 100), 90);
         QCOMPARE(desk.clock.Now().offsetFromUtc(), -8 * 3600);
+    }
+
+    // The machine sleeps from 00:50 daylight time to 01:20 standard time: the timer's moment,
+    // 01:35 daylight time, passed in the sleep, though the wall has not shown 01:35 again yet.
+    void timerDueWhileAsleepAcrossTheAutumnChangeRingsLateAtWaking()
+    {
+        Desk desk("[General]\nLogOn=1\nLogSafetyOnly=False\nDefaultInterval=00:50\n");
+        desk.clock.Set(LocalAt("2026-11-01T07:45:00Z")); // 00:45 daylight time
+        QVERIFY(desk.window->Load());
+        SetSafetyTimer(desk);
+        QCOMPARE(desk.Alarms().At(1).Expire, QStringLiteral("01:35"));
+        QCOMPARE(MinuteOfFirstRing(desk, LocalAt("2026-11-01T07:45:00Z"), 5), -1);
+        QCOMPARE(MinuteOfFirstRing(desk, LocalAt("2026-11-01T09:20:00Z"), 0), 0); // 01:20 standard time
+        const QByteArray log = desk.TodaysLog();
+        QVERIFY2(log.contains(Desk::Line("01:20", "EA", 1, "Alarm Expired for ", "Crew 7",
+                                         ", rang 45 minutes late", "11/1/2026")),
+                 log.constData());
+    }
+
+    // The computer's zone is moved an hour east while a timer runs: it rings after its
+    // interval, at the new wall time, not when the wall next shows its old time.
+    void timerRingsAfterItsIntervalWhenTheZoneMovesEast()
+    {
+        Desk desk("[General]\nLogOn=1\nLogSafetyOnly=False\nDefaultInterval=00:30\n");
+        desk.clock.Set(InZone("2026-11-16T15:50:00Z", -6)); // 09:50 at six hours west of UTC
+        QVERIFY(desk.window->Load());
+        SetSafetyTimer(desk);
+        QCOMPARE(desk.Alarms().At(1).Expire, QStringLiteral("10:20"));
+        QCOMPARE(MinuteOfFirstRing(desk, InZone("2026-11-16T15:50:00Z", -6), 9), -1);
+        // From 10:00 the zone is five hours west: the wall reads 11:00.
+        QCOMPARE(MinuteOfFirstRing(desk, InZone("2026-11-16T16:00:00Z", -5), 60), 20);
+        QCOMPARE(desk.clock.Now().time(), QTime(11, 20));
+        const QByteArray log = desk.TodaysLog();
+        QVERIFY2(log.contains(Desk::Line("11:20", "EA", 1, "Alarm Expired for ", "Crew 7", "")),
+                 log.constData());
+    }
+
+    // The zone is moved an hour west while a timer runs: it rings after its interval, not an
+    // hour later when the wall shows its old time again.
+    void timerRingsAfterItsIntervalWhenTheZoneMovesWest()
+    {
+        Desk desk("[General]\nLogOn=1\nLogSafetyOnly=False\nDefaultInterval=00:30\n");
+        desk.clock.Set(InZone("2026-11-16T15:00:00Z", -5)); // 10:00 at five hours west of UTC
+        QVERIFY(desk.window->Load());
+        SetSafetyTimer(desk);
+        QCOMPARE(desk.Alarms().At(1).Expire, QStringLiteral("10:30"));
+        QCOMPARE(MinuteOfFirstRing(desk, InZone("2026-11-16T15:00:00Z", -5), 9), -1);
+        // From 10:10 the zone is six hours west: the wall reads 09:10.
+        QCOMPARE(MinuteOfFirstRing(desk, InZone("2026-11-16T15:10:00Z", -6), 90), 20);
+        QCOMPARE(desk.clock.Now().time(), QTime(9, 30));
+        const QByteArray log = desk.TodaysLog();
+        QVERIFY2(log.contains(Desk::Line("09:30", "EA", 1, "Alarm Expired for ", "Crew 7", "")),
+                 log.constData());
     }
 
     void skippedHourOfTheSpringChangeRingsItsAlarmsAtTheChangeLate()

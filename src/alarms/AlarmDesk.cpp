@@ -158,7 +158,7 @@ AlarmDesk::Step AlarmDesk::RingIfDue(int& n, const QDateTime& from, const QDateT
         return Step::Quiet;
     std::optional<QDateTime> at;
     int lateMinutes = 0;
-    if (due.DueAt.isValid()) {
+    if (due.TypeTimer && due.DueAt.isValid()) {
         // A timer set in this run goes by its moment, not by the wall. The wall can show its
         // "hh:mm" an hour before the moment (the first pass of a repeated hour, the zone moved
         // east), an hour after it (the zone moved west), or not at all in the minutes scanned
@@ -171,6 +171,9 @@ AlarmDesk::Step AlarmDesk::RingIfDue(int& n, const QDateTime& from, const QDateT
             return Step::Quiet;
         at = WallMinute(internetNow.addSecs(internetNow.secsTo(due.DueAt)));
         lateMinutes = int(nowMinute - dueMinute);
+        // Its window, the list and the settings show the moment on the wall as it reads now,
+        // which differs from the expiry worked out at setting after a change of the zone.
+        due.Expire = MinuteText(*at);
         // The moment is spent: from here on the timer is an expiry on the wall like any other,
         // until it is set again.
         due.DueAt = QDateTime();

@@ -426,7 +426,11 @@ void AlarmPanel::optClock_Click()
 {
     if (!Editing())
         return;
-    m_desk.Table().At(m_desk.Table().SelectedAlarm).TypeTimer = false;
+    AlarmRecord& a = m_desk.Table().At(m_desk.Table().SelectedAlarm);
+    // A timer's moment belongs to the timer it was worked out for.
+    if (a.TypeTimer != false)
+        a.DueAt = QDateTime();
+    a.TypeTimer = false;
     m_edtExpire->setFocus();
 }
 
@@ -434,7 +438,11 @@ void AlarmPanel::optTimer_Click()
 {
     if (!Editing())
         return;
-    m_desk.Table().At(m_desk.Table().SelectedAlarm).TypeTimer = true;
+    AlarmRecord& a = m_desk.Table().At(m_desk.Table().SelectedAlarm);
+    // A timer's moment belongs to the timer it was worked out for.
+    if (a.TypeTimer != true)
+        a.DueAt = QDateTime();
+    a.TypeTimer = true;
     m_edtExpire->setFocus();
 }
 

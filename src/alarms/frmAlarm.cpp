@@ -250,6 +250,8 @@ void frmAlarm::cmdReset_Click()
     a->Ringing = false;
     if (a->TypeTimer)
         m_desk.CalcExpire(a->Interval, ExpirePtr(), m_desk.InternetDateTimeAt(m_answeredAt));
+    else
+        a->DueAt = QDateTime(); // a clock time has no moment (one left from a timer it was)
     QString detail = AlarmLogText::ExpiresAt(a->Expire);
     if (a->Safety == 1)
         detail += QStringLiteral(", ") + m_txtLocation->text();

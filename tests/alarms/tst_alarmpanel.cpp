@@ -521,6 +521,35 @@ private slots:
                                                          "Crew A", ", expires at 10:20, Ridge")));
     }
 
+    // A safety alarm filled in as a timer, made a clock time and set by a check-in's Reset
+    // rings at its clock time only: the moment the timer would have had plays no part.
+    void clockAlarmSetByACheckInRingsAtItsClockTimeOnly()
+    {
+        Panel p;
+        QTest::mouseClick(p.Button("cmdNew"), Qt::LeftButton);
+        p.Find<QLineEdit>("txtMessage")->setText(QStringLiteral("Crew 9"));
+        p.Find<QCheckBox>("chkSafety")->click(); // a timer of 00:20, not set
+        QVERIFY(p.Alarm(1).TypeTimer);
+        QVERIFY(!p.Alarm(1).AlarmSet);
+        p.Find<QRadioButton>("optClock")->click();
+        p.TypeTime(QStringLiteral("1400"));
+        QCOMPARE(p.Alarm(1).Expire, QStringLiteral("14:00"));
+        QTest::mouseClick(p.Button("cmdCheckIn"), Qt::LeftButton);
+        frmAlarm* checkIn = p.desk.Windows().AlarmWindow(1);
+        QVERIFY(checkIn && checkIn->CheckIn());
+        checkIn->findChild<QLineEdit*>(QStringLiteral("txtLocation"))->setText(QStringLiteral("Ridge"));
+        checkIn->cmdReset_Click();
+        QVERIFY(p.Alarm(1).AlarmSet);
+        QVERIFY(!p.Alarm(1).TypeTimer);
+        for (const QTime at : {QTime(10, 20), QTime(10, 21), QTime(13, 59)}) {
+            p.desk.clock.Set(Owners::Monday, at);
+            QVERIFY2(!p.desk.alarms.ScanExpiries(at.hour(), at.minute()), qPrintable(at.toString()));
+        }
+        p.desk.clock.Set(Owners::Monday, QTime(14, 0));
+        QVERIFY(p.desk.alarms.ScanExpiries(14, 0));
+        QCOMPARE(p.Alarm(1).LateMinutes, 0);
+    }
+
     void timerOfNoTimeIsRefused()
     {
         Panel p;

@@ -3,6 +3,7 @@
 #include "widgets/MessageBox.h"
 
 #include <QCheckBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -143,6 +144,10 @@ private slots:
         // From 10:00 the zone is five hours west: the wall reads 11:00.
         QCOMPARE(MinuteOfFirstRing(desk, InZone("2026-11-16T16:00:00Z", -5), 60), 20);
         QCOMPARE(desk.clock.Now().time(), QTime(11, 20));
+        // The window and the list show the expiry on the wall as it reads now.
+        QCOMPARE(desk.Alarms().At(1).Expire, QStringLiteral("11:20"));
+        QCOMPARE(desk.Windows().AlarmWindow(1)->findChild<QLabel*>(QStringLiteral("lblExpired"))->text(),
+                 QStringLiteral("Expired on\n11:20"));
         const QByteArray log = desk.TodaysLog();
         QVERIFY2(log.contains(Desk::Line("11:20", "EA", 1, "Alarm Expired for ", "Crew 7", "")),
                  log.constData());
@@ -161,6 +166,9 @@ private slots:
         // From 10:10 the zone is six hours west: the wall reads 09:10.
         QCOMPARE(MinuteOfFirstRing(desk, InZone("2026-11-16T15:10:00Z", -6), 90), 20);
         QCOMPARE(desk.clock.Now().time(), QTime(9, 30));
+        QCOMPARE(desk.Alarms().At(1).Expire, QStringLiteral("09:30"));
+        QCOMPARE(desk.Windows().AlarmWindow(1)->findChild<QLabel*>(QStringLiteral("lblExpired"))->text(),
+                 QStringLiteral("Expired on\n09:30"));
         const QByteArray log = desk.TodaysLog();
         QVERIFY2(log.contains(Desk::Line("09:30", "EA", 1, "Alarm Expired for ", "Crew 7", "")),
                  log.constData());

@@ -426,11 +426,7 @@ void AlarmPanel::optClock_Click()
 {
     if (!Editing())
         return;
-    AlarmRecord& a = m_desk.Table().At(m_desk.Table().SelectedAlarm);
-    // A timer's moment belongs to the timer it was worked out for.
-    if (a.TypeTimer != false)
-        a.DueAt = QDateTime();
-    a.TypeTimer = false;
+    m_desk.Table().At(m_desk.Table().SelectedAlarm).TypeTimer = false;
     m_edtExpire->setFocus();
 }
 
@@ -438,11 +434,7 @@ void AlarmPanel::optTimer_Click()
 {
     if (!Editing())
         return;
-    AlarmRecord& a = m_desk.Table().At(m_desk.Table().SelectedAlarm);
-    // A timer's moment belongs to the timer it was worked out for.
-    if (a.TypeTimer != true)
-        a.DueAt = QDateTime();
-    a.TypeTimer = true;
+    m_desk.Table().At(m_desk.Table().SelectedAlarm).TypeTimer = true;
     m_edtExpire->setFocus();
 }
 

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRadioButton>
 
 namespace {
 
@@ -151,6 +152,22 @@ private slots:
         const QByteArray log = desk.TodaysLog();
         QVERIFY2(log.contains(Desk::Line("11:20", "EA", 1, "Alarm Expired for ", "Crew 7", "")),
                  log.constData());
+    }
+
+    // The operator flips a set timer's type to clock time and back without touching its time:
+    // the alarm stays set and keeps its moment.
+    void setTimerFlippedToClockAndBackKeepsItsMoment()
+    {
+        Desk desk("[General]\nLogOn=1\nLogSafetyOnly=False\nDefaultInterval=00:30\n");
+        desk.clock.Set(InZone("2026-11-16T15:50:00Z", -6));
+        QVERIFY(desk.window->Load());
+        SetSafetyTimer(desk);
+        desk.Find<QRadioButton>(QStringLiteral("optClock"))->click();
+        desk.Find<QRadioButton>(QStringLiteral("optTimer"))->click();
+        QVERIFY(desk.Alarms().At(1).AlarmSet);
+        QVERIFY(desk.Alarms().At(1).TypeTimer);
+        QCOMPARE(MinuteOfFirstRing(desk, InZone("2026-11-16T16:00:00Z", -5), 60), 20);
+        QCOMPARE(desk.Alarms().At(1).LateMinutes, 0);
     }
 
     // The zone is moved an hour west while a timer runs: it rings after its interval, not an

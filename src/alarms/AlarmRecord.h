@@ -24,8 +24,9 @@ struct AlarmRecord
     quint64 Id = 0;
     QDateTime RangFor;
     int LateMinutes = 0;
-    // For a timer set in this run: the moment it is due. Its "hh:mm" alone could come an
-    // hour early in the hour that the autumn change of daylight time repeats.
+    // For a timer set in this run: the moment it is due, by which it rings (cleared when it
+    // rings). Its "hh:mm" alone could come an hour early or late after a change of daylight
+    // time or of the zone, or be passed over while the machine sleeps across one.
     QDateTime DueAt;
     // While a check-in window is open the alarm is withdrawn (AlarmSet false); what it was
     // before is kept here, stored as the alarm, and given back if the check-in is called off.

@@ -1,5 +1,6 @@
 #include "Desk.h"
 #include "alarms/frmAlarm.h"
+#include "clock/ZoneClock.h"
 #include "widgets/MessageBox.h"
 
 #include <QCheckBox>
@@ -132,25 +133,41 @@ private slots:
                  log.constData());
     }
 
-    // The computer's zone is moved an hour east while a timer runs: it rings after its
-    // interval, at the new wall time, not when the wall next shows its old time.
-    void timerRingsAfterItsIntervalWhenTheZoneMovesEast()
+    // The computer's zone is moved an hour while a 30-minute timer runs: the timer rings after
+    // its interval, at the wall time that moment has now. Moved east, the wall passes the old
+    // expiry before the moment; moved west, it would show the old expiry an hour late.
+    void timerRingsAfterItsIntervalWhenTheZoneMoves_data()
     {
+        QTest::addColumn<int>("hoursBefore");
+        QTest::addColumn<int>("hoursAfter");
+        QTest::addColumn<QString>("expiryAtSetting");
+        QTest::addColumn<QString>("expiryAtRinging");
+        // Set at 09:50 six hours west of UTC; from 10:00 five hours west (the wall reads 11:00).
+        QTest::newRow("east") << -6 << -5 << QStringLiteral("10:20") << QStringLiteral("11:20");
+        // Set at 10:50 five hours west of UTC; from 11:00 six hours west (the wall reads 10:00).
+        QTest::newRow("west") << -5 << -6 << QStringLiteral("11:20") << QStringLiteral("10:20");
+    }
+    void timerRingsAfterItsIntervalWhenTheZoneMoves()
+    {
+        QFETCH(int, hoursBefore);
+        QFETCH(int, hoursAfter);
+        QFETCH(QString, expiryAtSetting);
+        QFETCH(QString, expiryAtRinging);
         Desk desk("[General]\nLogOn=1\nLogSafetyOnly=False\nDefaultInterval=00:30\n");
-        desk.clock.Set(InZone("2026-11-16T15:50:00Z", -6)); // 09:50 at six hours west of UTC
+        desk.clock.Set(InZone("2026-11-16T15:50:00Z", hoursBefore));
         QVERIFY(desk.window->Load());
         SetSafetyTimer(desk);
-        QCOMPARE(desk.Alarms().At(1).Expire, QStringLiteral("10:20"));
-        QCOMPARE(MinuteOfFirstRing(desk, InZone("2026-11-16T15:50:00Z", -6), 9), -1);
-        // From 10:00 the zone is five hours west: the wall reads 11:00.
-        QCOMPARE(MinuteOfFirstRing(desk, InZone("2026-11-16T16:00:00Z", -5), 60), 20);
-        QCOMPARE(desk.clock.Now().time(), QTime(11, 20));
+        QCOMPARE(desk.Alarms().At(1).Expire, expiryAtSetting);
+        QCOMPARE(MinuteOfFirstRing(desk, InZone("2026-11-16T15:50:00Z", hoursBefore), 9), -1);
+        QCOMPARE(MinuteOfFirstRing(desk, InZone("2026-11-16T16:00:00Z", hoursAfter), 90), 20);
+        QCOMPARE(MinuteText(desk.clock.Now()), expiryAtRinging);
         // The window and the list show the expiry on the wall as it reads now.
-        QCOMPARE(desk.Alarms().At(1).Expire, QStringLiteral("11:20"));
+        QCOMPARE(desk.Alarms().At(1).Expire, expiryAtRinging);
         QCOMPARE(desk.Windows().AlarmWindow(1)->findChild<QLabel*>(QStringLiteral("lblExpired"))->text(),
-                 QStringLiteral("Expired on\n11:20"));
+                 QStringLiteral("Expired on\n") + expiryAtRinging);
         const QByteArray log = desk.TodaysLog();
-        QVERIFY2(log.contains(Desk::Line("11:20", "EA", 1, "Alarm Expired for ", "Crew 7", "")),
+        QVERIFY2(log.contains(
+                     Desk::Line(qPrintable(expiryAtRinging), "EA", 1, "Alarm Expired for ", "Crew 7", "")),
                  log.constData());
     }
 
@@ -168,27 +185,6 @@ private slots:
         QVERIFY(desk.Alarms().At(1).TypeTimer);
         QCOMPARE(MinuteOfFirstRing(desk, InZone("2026-11-16T16:00:00Z", -5), 60), 20);
         QCOMPARE(desk.Alarms().At(1).LateMinutes, 0);
-    }
-
-    // The zone is moved an hour west while a timer runs: it rings after its interval, not an
-    // hour later when the wall shows its old time again.
-    void timerRingsAfterItsIntervalWhenTheZoneMovesWest()
-    {
-        Desk desk("[General]\nLogOn=1\nLogSafetyOnly=False\nDefaultInterval=00:30\n");
-        desk.clock.Set(InZone("2026-11-16T15:00:00Z", -5)); // 10:00 at five hours west of UTC
-        QVERIFY(desk.window->Load());
-        SetSafetyTimer(desk);
-        QCOMPARE(desk.Alarms().At(1).Expire, QStringLiteral("10:30"));
-        QCOMPARE(MinuteOfFirstRing(desk, InZone("2026-11-16T15:00:00Z", -5), 9), -1);
-        // From 10:10 the zone is six hours west: the wall reads 09:10.
-        QCOMPARE(MinuteOfFirstRing(desk, InZone("2026-11-16T15:10:00Z", -6), 90), 20);
-        QCOMPARE(desk.clock.Now().time(), QTime(9, 30));
-        QCOMPARE(desk.Alarms().At(1).Expire, QStringLiteral("09:30"));
-        QCOMPARE(desk.Windows().AlarmWindow(1)->findChild<QLabel*>(QStringLiteral("lblExpired"))->text(),
-                 QStringLiteral("Expired on\n09:30"));
-        const QByteArray log = desk.TodaysLog();
-        QVERIFY2(log.contains(Desk::Line("09:30", "EA", 1, "Alarm Expired for ", "Crew 7", "")),
-                 log.constData());
     }
 
     void skippedHourOfTheSpringChangeRingsItsAlarmsAtTheChangeLate()

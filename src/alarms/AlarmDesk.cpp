@@ -164,11 +164,14 @@ AlarmDesk::Step AlarmDesk::RingIfDue(int& n, const QDateTime& from, const QDateT
         // east), an hour after it (the zone moved west), or not at all in the minutes scanned
         // (the machine slept across the autumn change). It rings in the minute of its moment,
         // or at the first scan after it, late by the minutes that have passed since.
-        const QDateTime internetNow = InternetDateTimeNow();
+        // The corrected minute comes from the clock's milliseconds alone: a timer that is not
+        // due yet costs no reading of the local time.
         const qint64 dueMinute = FloorDiv(due.DueAt.toSecsSinceEpoch(), 60);
-        const qint64 nowMinute = FloorDiv(internetNow.toSecsSinceEpoch(), 60);
+        const qint64 nowMinute =
+            FloorDiv(m_clock.MSecsSinceEpoch(), 60 * 1000) + m_preferences.Values().InetMinOffset;
         if (dueMinute > nowMinute)
             return Step::Quiet;
+        const QDateTime internetNow = InternetDateTimeNow();
         at = WallMinute(internetNow.addSecs(internetNow.secsTo(due.DueAt)));
         lateMinutes = int(nowMinute - dueMinute);
         // Its window, the list and the settings show the moment on the wall as it reads now,

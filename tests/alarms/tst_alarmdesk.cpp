@@ -4,6 +4,7 @@
 #include "alarms/AlarmDesk.h"
 #include "logbook/LogBook.h"
 #include "settings/Preferences.h"
+#include "settings/Settings.h"
 #include "settings/SettingsStore.h"
 
 #include <QDir>
@@ -58,6 +59,52 @@ private slots:
             TestEnvironment::ReadFile(QDir(f.env.LogFolder()).filePath(LogFileName(Monday)));
         QVERIFY2(log.endsWith("\"11/16/2026\",\"23:59\",\"NT\",0,\"Last note\",\"\",\"\"\r\n"),
                  log.constData());
+    }
+
+    // The minute's scan of thirty running timers reads the local time only for the one that
+    // is due.
+    void timersNotDueYetCostTheScanNoReadingOfTheLocalTime()
+    {
+        Fixture f;
+        AlarmTable& table = f.desk.Table();
+        table.AlarmCount = MaxAlarms;
+        for (int n = 1; n <= MaxAlarms; ++n) {
+            table.At(n) = SetAlarm(QStringLiteral("T%1").arg(n), QString());
+            table.At(n).TypeTimer = true;
+            f.desk.CalcExpire(n == 7 ? QStringLiteral("00:01") : QStringLiteral("00:30"), n);
+        }
+        const QDateTime wall(Monday, QTime(10, 15), Qt::UTC);
+        const int readsBefore = f.clock.NowReads();
+        QVERIFY(!f.desk.ScanSpan(wall.addSecs(-60), wall));
+        QCOMPARE(f.clock.NowReads(), readsBefore);
+        f.clock.AdvanceSecs(60);
+        QVERIFY(f.desk.ScanSpan(wall, wall.addSecs(60)));
+        QVERIFY(table.At(7).Ringing);
+        QCOMPARE(table.At(7).LateMinutes, 0);
+        QVERIFY(!table.At(8).Ringing);
+        // Two readings for the timer that rang: its moment on the wall, and its log entry.
+        QCOMPARE(f.clock.NowReads() - readsBefore, 2);
+    }
+
+    // A timer runs on the corrected clock: two minutes behind the PC's, it rings two minutes
+    // later by the PC's.
+    void timerRingsByTheCorrectedClock()
+    {
+        Fixture f;
+        Settings values = f.preferences.Values();
+        values.InetMinOffset = -2;
+        f.preferences.Replace(values);
+        AlarmTable& table = f.desk.Table();
+        table.AlarmCount = 1;
+        table.At(1) = SetAlarm(QStringLiteral("Corrected"), QString());
+        table.At(1).TypeTimer = true;
+        f.desk.CalcExpire(QStringLiteral("00:20"), 1); // PC 10:15 is 10:13: due at 10:33
+        QCOMPARE(table.At(1).Expire, QStringLiteral("10:33"));
+        f.clock.Set(Monday, QTime(10, 34));
+        QVERIFY(!f.desk.ScanExpiries(10, 32));
+        f.clock.Set(Monday, QTime(10, 35));
+        QVERIFY(f.desk.ScanExpiries(10, 33));
+        QCOMPARE(table.At(1).LateMinutes, 0);
     }
 
     void alarmsDueInTheSameMinuteComeLowestFirst()

@@ -66,6 +66,39 @@ struct Panel
     AlarmPanel* panel = nullptr;
 };
 
+// A safety alarm filled in as a timer of 00:20 at 10:00 (not set), made a clock time of
+// 14:00 and set by a check-in's Reset.
+void SetClockAlarmByACheckIn(Panel& p)
+{
+    QTest::mouseClick(p.Button("cmdNew"), Qt::LeftButton);
+    p.Find<QLineEdit>("txtMessage")->setText(QStringLiteral("Crew 9"));
+    p.Find<QCheckBox>("chkSafety")->click();
+    QVERIFY(p.Alarm(1).TypeTimer);
+    QVERIFY(!p.Alarm(1).AlarmSet);
+    p.Find<QRadioButton>("optClock")->click();
+    p.TypeTime(QStringLiteral("1400"));
+    QCOMPARE(p.Alarm(1).Expire, QStringLiteral("14:00"));
+    QTest::mouseClick(p.Button("cmdCheckIn"), Qt::LeftButton);
+    frmAlarm* checkIn = p.desk.Windows().AlarmWindow(1);
+    QVERIFY(checkIn && checkIn->CheckIn());
+    checkIn->findChild<QLineEdit*>(QStringLiteral("txtLocation"))->setText(QStringLiteral("Ridge"));
+    checkIn->cmdReset_Click();
+    QVERIFY(p.Alarm(1).AlarmSet);
+}
+
+// Alarm 1 stays quiet at 10:20 (the moment of the timer it was filled in as) and until
+// 13:59, and rings at 14:00, on time.
+void RingsAtTwoOnly(Panel& p)
+{
+    for (const QTime at : {QTime(10, 20), QTime(10, 21), QTime(13, 59)}) {
+        p.desk.clock.Set(Owners::Monday, at);
+        QVERIFY2(!p.desk.alarms.ScanExpiries(at.hour(), at.minute()), qPrintable(at.toString()));
+    }
+    p.desk.clock.Set(Owners::Monday, QTime(14, 0));
+    QVERIFY(p.desk.alarms.ScanExpiries(14, 0));
+    QCOMPARE(p.Alarm(1).LateMinutes, 0);
+}
+
 } // namespace
 
 class TestAlarmPanel : public QObject
@@ -526,28 +559,20 @@ private slots:
     void clockAlarmSetByACheckInRingsAtItsClockTimeOnly()
     {
         Panel p;
-        QTest::mouseClick(p.Button("cmdNew"), Qt::LeftButton);
-        p.Find<QLineEdit>("txtMessage")->setText(QStringLiteral("Crew 9"));
-        p.Find<QCheckBox>("chkSafety")->click(); // a timer of 00:20, not set
-        QVERIFY(p.Alarm(1).TypeTimer);
-        QVERIFY(!p.Alarm(1).AlarmSet);
-        p.Find<QRadioButton>("optClock")->click();
-        p.TypeTime(QStringLiteral("1400"));
-        QCOMPARE(p.Alarm(1).Expire, QStringLiteral("14:00"));
-        QTest::mouseClick(p.Button("cmdCheckIn"), Qt::LeftButton);
-        frmAlarm* checkIn = p.desk.Windows().AlarmWindow(1);
-        QVERIFY(checkIn && checkIn->CheckIn());
-        checkIn->findChild<QLineEdit*>(QStringLiteral("txtLocation"))->setText(QStringLiteral("Ridge"));
-        checkIn->cmdReset_Click();
-        QVERIFY(p.Alarm(1).AlarmSet);
+        SetClockAlarmByACheckIn(p);
         QVERIFY(!p.Alarm(1).TypeTimer);
-        for (const QTime at : {QTime(10, 20), QTime(10, 21), QTime(13, 59)}) {
-            p.desk.clock.Set(Owners::Monday, at);
-            QVERIFY2(!p.desk.alarms.ScanExpiries(at.hour(), at.minute()), qPrintable(at.toString()));
-        }
-        p.desk.clock.Set(Owners::Monday, QTime(14, 0));
-        QVERIFY(p.desk.alarms.ScanExpiries(14, 0));
-        QCOMPARE(p.Alarm(1).LateMinutes, 0);
+        RingsAtTwoOnly(p);
+    }
+
+    // Nor when the operator then makes it a timer again without touching its time.
+    void clockAlarmSetByACheckInAndMadeATimerRingsAtItsTimeOnly()
+    {
+        Panel p;
+        SetClockAlarmByACheckIn(p);
+        p.Find<QRadioButton>("optTimer")->click();
+        QVERIFY(p.Alarm(1).TypeTimer);
+        QVERIFY(p.Alarm(1).AlarmSet);
+        RingsAtTwoOnly(p);
     }
 
     void timerOfNoTimeIsRefused()

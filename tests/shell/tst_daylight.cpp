@@ -11,10 +11,27 @@
 
 namespace {
 
+QDateTime Utc(const char* utc)
+{
+    return QDateTime::fromString(QString::fromLatin1(utc), Qt::ISODate);
+}
+
 // The local time of an instant given in UTC (this test runs with TZ=America/Los_Angeles).
 QDateTime LocalAt(const char* utc)
 {
-    return QDateTime::fromString(QString::fromLatin1(utc), Qt::ISODate).toLocalTime();
+    return Utc(utc).toLocalTime();
+}
+
+// An instant given in UTC, shown in a zone `hours` off UTC.
+QDateTime InZone(const char* utc, int hours)
+{
+    return Utc(utc).toOffsetFromUtc(hours * 3600);
+}
+
+// Settings that log every event, with a default timer interval of `interval`.
+QByteArray WithInterval(const char* interval)
+{
+    return QByteArray("[General]\nLogOn=1\nLogSafetyOnly=False\nDefaultInterval=") + interval + "\n";
 }
 
 int RangCount(const Desk& desk, const char* message)
@@ -62,12 +79,6 @@ int MinuteOfFirstRing(Desk& desk, const QDateTime& start, int minutes)
     return -1;
 }
 
-// A moment `utc` shown in a zone `hours` off UTC.
-QDateTime InZone(const char* utc, int hours)
-{
-    return QDateTime::fromString(QString::fromLatin1(utc), Qt::ISODate).toOffsetFromUtc(hours * 3600);
-}
-
 } // namespace
 
 // Alarms across the two daylight-time changes of a year in a zone that keeps daylight time,
@@ -107,7 +118,7 @@ private slots:
 
     void timerAcrossTheAutumnChangeRingsAfterItsIntervalNotAnHourEarly()
     {
-        Desk desk("[General]\nLogOn=1\nLogSafetyOnly=False\nDefaultInterval=01:30\n");
+        Desk desk(WithInterval("01:30"));
         desk.clock.Set(LocalAt("2026-11-01T07:45:00Z")); // 00:45 daylight time
         QVERIFY(desk.window->Load());
         SetSafetyTimer(desk);
@@ -120,7 +131,7 @@ private slots:
     // 01:35 daylight time, passed in the sleep, though the wall has not shown 01:35 again yet.
     void timerDueWhileAsleepAcrossTheAutumnChangeRingsLateAtWaking()
     {
-        Desk desk("[General]\nLogOn=1\nLogSafetyOnly=False\nDefaultInterval=00:50\n");
+        Desk desk(WithInterval("00:50"));
         desk.clock.Set(LocalAt("2026-11-01T07:45:00Z")); // 00:45 daylight time
         QVERIFY(desk.window->Load());
         SetSafetyTimer(desk);
@@ -153,7 +164,7 @@ private slots:
         QFETCH(int, hoursAfter);
         QFETCH(QString, expiryAtSetting);
         QFETCH(QString, expiryAtRinging);
-        Desk desk("[General]\nLogOn=1\nLogSafetyOnly=False\nDefaultInterval=00:30\n");
+        Desk desk(WithInterval("00:30"));
         desk.clock.Set(InZone("2026-11-16T15:50:00Z", hoursBefore));
         QVERIFY(desk.window->Load());
         SetSafetyTimer(desk);
@@ -175,7 +186,7 @@ private slots:
     // the alarm stays set and keeps its moment.
     void setTimerFlippedToClockAndBackKeepsItsMoment()
     {
-        Desk desk("[General]\nLogOn=1\nLogSafetyOnly=False\nDefaultInterval=00:30\n");
+        Desk desk(WithInterval("00:30"));
         desk.clock.Set(InZone("2026-11-16T15:50:00Z", -6));
         QVERIFY(desk.window->Load());
         SetSafetyTimer(desk);
